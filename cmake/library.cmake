@@ -1,0 +1,36 @@
+# The objects, compiled once; the shared library made of them; and a static library of the same
+# objects that the tests link, so that they reach what is not exported.
+include(cmake/exports.cmake)
+
+add_library(orbcommon_objects OBJECT ${ORB_SOURCES})
+target_include_directories(orbcommon_objects PUBLIC ${PROJECT_SOURCE_DIR})
+target_link_libraries(orbcommon_objects PRIVATE orb_warnings)
+set_target_properties(orbcommon_objects PROPERTIES
+  POSITION_INDEPENDENT_CODE ON
+  C_VISIBILITY_PRESET hidden
+  CXX_VISIBILITY_PRESET hidden
+  VISIBILITY_INLINES_HIDDEN ON)
+target_compile_definitions(orbcommon_objects PRIVATE _FILE_OFFSET_BITS=64)
+
+add_library(orbcommon SHARED $<TARGET_OBJECTS:orbcommon_objects>)
+add_library(orbcommon::orbcommon ALIAS orbcommon)
+target_include_directories(orbcommon PUBLIC
+  $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}>
+  $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}/orbcommon>)
+target_compile_features(orbcommon INTERFACE cxx_std_17)
+set_target_properties(orbcommon PROPERTIES VERSION ${PROJECT_VERSION}
+                      SOVERSION ${PROJECT_VERSION_MAJOR})
+orb_limit_exports(orbcommon)
+
+find_package(Threads REQUIRED)
+set(ORB_SYSTEM_LIBRARIES Threads::Threads)
+if(APPLE)
+  list(APPEND ORB_SYSTEM_LIBRARIES "-framework CoreServices" iconv)
+else()
+  list(APPEND ORB_SYSTEM_LIBRARIES ${CMAKE_DL_LIBS})
+endif()
+target_link_libraries(orbcommon PRIVATE ${ORB_SYSTEM_LIBRARIES})
+
+add_library(orbcommon_static STATIC EXCLUDE_FROM_ALL $<TARGET_OBJECTS:orbcommon_objects>)
+target_include_directories(orbcommon_static PUBLIC ${PROJECT_SOURCE_DIR})
+target_link_libraries(orbcommon_static PUBLIC ${ORB_SYSTEM_LIBRARIES})

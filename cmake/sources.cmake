@@ -1,0 +1,35 @@
+# The one list of sources, by area. The platform list at the end is the only choice of operating
+# system in the project.
+
+set(ORB_FILEUTIL_SOURCES
+)
+
+set(ORB_NETWORK_SOURCES
+)
+
+set(ORB_SESSION_SOURCES
+)
+
+set(ORB_SYSPROPS_SOURCES
+)
+
+# Pure parsers and what POSIX gives alike: built everywhere, so that every machine tests them.
+set(ORB_PLATFORM_SOURCES
+)
+
+if(CMAKE_SYSTEM_NAME STREQUAL "Darwin")
+  list(APPEND ORB_PLATFORM_SOURCES
+  )
+else()
+  list(APPEND ORB_PLATFORM_SOURCES
+    platform/linux_values.cpp
+  )
+endif()
+
+set(ORB_SOURCES ${ORB_FILEUTIL_SOURCES} ${ORB_NETWORK_SOURCES} ${ORB_SESSION_SOURCES}
+                ${ORB_SYSPROPS_SOURCES} ${ORB_PLATFORM_SOURCES})
+
+# Headers that callers may include; everything exported is declared in one of them.
+set(ORB_PUBLIC_HEADERS
+  platform/export.h
+)

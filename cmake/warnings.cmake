@@ -1,0 +1,6 @@
+# orb_warnings: an interface target with the warnings that every source of ours compiles under.
+option(ORB_WERROR "Warnings are errors" ON)
+add_library(orb_warnings INTERFACE)
+target_compile_options(orb_warnings INTERFACE -Wall -Wextra -Wpedantic -Wshadow -Wconversion
+                       $<$<COMPILE_LANGUAGE:CXX>:-Wnon-virtual-dtor -Woverloaded-virtual>
+                       $<$<BOOL:${ORB_WERROR}>:-Werror>)
