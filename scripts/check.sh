@@ -1,0 +1,96 @@
+#!/usr/bin/env bash
+# scripts/check.sh: the checks beside the tests, one function a step; names of steps as arguments
+# run those alone.
+set -uo pipefail
+cd "$(dirname "$0")/.."
+jobs=${JOBS:-2}
+mkdir -p build
+
+sources() { git ls-files "$@" | grep -vE '^tests/darwin/headers/'; }
+
+step_format() {
+  sources '*.h' '*.cpp' '*.c' | xargs clang-format --dry-run -Werror
+}
+
+# Rules of the house that no compiler knows.
+step_style() {
+  local bad=0 file
+  while read -r file; do
+    if ! head -n 1 "$file" | grep -qF "// $file: "; then
+      echo "$file: its first line must be '// $file: one sentence'"
+      bad=1
+    fi
+  done < <(sources '*.h' '*.cpp' '*.c')
+  if sources '*.h' '*.cpp' | grep -vE '^(platform/|tests/darwin/)' |
+    xargs grep -nE '^ *# *if(def|ndef)?\b' | grep -vE '__cplusplus|__SANITIZE|__has_feature'; then
+    echo "conditionals belong to platform/: is the seam missing a fact?"
+    bad=1
+  fi
+  return $bad
+}
+
+step_shell() {
+  shellcheck -x dev .ci/run $(git ls-files '*.sh')
+}
+
+# Every header compiles alone: all as C++20, public ones as C++17, those that serve C also as C11.
+step_headers() {
+  local header bad=0 flags=(-fsyntax-only -I. -Wall -Wextra -Wpedantic -Wno-pragma-once-outside-header
+    -Werror)
+  alone() {  # LANGUAGE STANDARD HEADER
+    echo "#include \"$3\"" | clang "${flags[@]}" -x "$1" -std="$2" - && return 0
+    echo "$3 does not compile alone as $2"
+    bad=1
+  }
+  for header in $(sources '*.h' | grep -v '^tests/'); do alone c++ c++20 "$header"; done
+  for header in $(scripts/list_sources.sh ORB_PUBLIC_HEADERS); do alone c++ c++17 "$header"; done
+  for header in $(scripts/list_sources.sh ORB_C_HEADERS); do alone c c11 "$header"; done
+  return $bad
+}
+
+step_tidy() {
+  cmake --preset release >build/tidy.log || return 1
+  sources '*.cpp' | grep -vE '^(tests|benchmarks|fuzz)/|/darwin_' | xargs -P "$jobs" -n 2 \
+    clang-tidy -p build/release --quiet 2>build/tidy.log || { grep -v 'warnings generated' build/tidy.log; return 1; }
+}
+
+sanitized() {  # PRESET
+  cmake --preset "$1" >"build/$1.log" 2>&1 &&
+    cmake --build "build/$1" -j "$jobs" >>"build/$1.log" 2>&1 || { tail -n 40 "build/$1.log"; return 1; }
+  ctest --test-dir "build/$1" --output-on-failure -j "$jobs"
+}
+step_asan() { sanitized asan; }
+step_tsan() { sanitized tsan; }
+
+# The shared library exports what abi/exports.txt lists, no more and no less.
+step_exports() {
+  ./scripts/exported_names.sh build/release/liborbcommon.so | diff -u abi/exports.txt - &&
+    echo "$(grep -vc '^#' abi/exports.txt) names"
+}
+
+step_macos() { ./dev macos; }
+
+step_fuzz() { ./dev fuzz "${FUZZ_SECONDS:-8}"; }
+
+all=(format style shell headers exports tidy asan tsan macos fuzz)
+if [ "${1:-}" = list ]; then
+  echo "${all[*]}"
+  exit 0
+fi
+[ $# -gt 0 ] || set -- "${all[@]}"
+passed=0 failed=()
+for step in "$@"; do
+  declare -F "step_$step" >/dev/null || { echo "check: no step '$step'; there are: ${all[*]}" >&2; exit 2; }
+  echo "== $step"
+  start=$SECONDS
+  if "step_$step"; then
+    echo "== $step passed in $((SECONDS - start)) s"
+    passed=$((passed + 1))
+  else
+    echo "== $step FAILED in $((SECONDS - start)) s"
+    failed+=("$step")
+  fi
+done
+[ ${#failed[@]} = 0 ] || echo "failed: ${failed[*]}"
+echo "$passed passed, ${#failed[@]} failed"
+[ ${#failed[@]} = 0 ]

@@ -1,0 +1,13 @@
+#!/usr/bin/env bash
+# scripts/exported_names.sh: the names that a built library exports, in the form of abi/exports.txt:
+# demangled, the standard libraries' inline name spaces left out, sorted.
+set -euo pipefail
+library=$1
+echo "# Every name that the library exports, demangled, one a line, sorted."
+if [ "$(head -c 4 "$library" | od -An -c | tr -d ' ')" = '177ELF' ]; then
+  nm --dynamic --defined-only --demangle --format=posix "$library"
+else
+  llvm-nm --extern-only --defined-only --demangle --format=posix "$library"
+fi | sed -E 's/ [A-Za-z] [0-9a-f]+( [0-9a-f]+)? *$//; s/@@?ORBCOMMON_[0-9.]+$//; s/^_(vo?x)/\1/
+  s/std::(__cxx11|__1)::/std::/g; s/> >/>>/g; s/> >/>>/g' |
+  grep -vE '^ORBCOMMON_[0-9.]+$' | LC_ALL=C sort -u
