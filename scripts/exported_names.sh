@@ -9,5 +9,5 @@ if [ "$(head -c 4 "$library" | od -An -c | tr -d ' ')" = '177ELF' ]; then
 else
   llvm-nm --extern-only --defined-only --demangle --format=posix "$library"
 fi | sed -E 's/ [A-Za-z] [0-9a-f]+( [0-9a-f]+)? *$//; s/@@?ORBCOMMON_[0-9.]+$//; s/^_(vo?x)/\1/
-  s/std::(__cxx11|__1)::/std::/g; s/> >/>>/g; s/> >/>>/g' |
+  s/std::(__cxx11|__1)::/std::/g' |
   grep -vE '^ORBCOMMON_[0-9.]+$' | LC_ALL=C sort -u

@@ -22,4 +22,5 @@ run_one() {
   fi
 }
 export -f run_one
+# shellcheck disable=SC2016
 list | xargs -P "$jobs" -I{} bash -c 'run_one "$1" "$2"' _ {} "$seconds"

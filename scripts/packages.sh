@@ -1,3 +1,4 @@
+# shellcheck shell=bash disable=SC2034
 # scripts/packages.sh: which distribution packages each command of the driver needs; sourced by dev.
 
 packages_build=(g++ cmake ninja-build libcli11-dev nlohmann-json3-dev)
