@@ -33,4 +33,6 @@ set(ORB_SOURCES ${ORB_FILEUTIL_SOURCES} ${ORB_NETWORK_SOURCES} ${ORB_SESSION_SOU
 set(ORB_PUBLIC_HEADERS
   network/networkutil.h
   platform/export.h
+  sysprops/collectors.h
+  sysprops/records.h
 )

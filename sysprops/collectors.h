@@ -1,0 +1,21 @@
+// sysprops/collectors.h: names of processor codes, and whether the machine is a portable.
+#pragma once
+
+#include "platform/export.h"
+
+namespace quillon_com::orb::sysprops {
+
+// Copies the model name of a native-processor-type code ('ixxx' gives "X86") with its terminator to
+// `destination`, which has room for 11 bytes. Returns false with nothing copied when the code is
+// unknown or `destination` is null.
+ORB_EXPORT bool ConvertGestaltCPUTypeToString(long code, char* destination);
+
+// The same for a system-architecture code (10 gives "Intel"); `destination` has room for 8 bytes.
+ORB_EXPORT bool ConvertGestaltSysArchToString(long code, char* destination);
+
+// Sets `portable` to whether the running machine is a portable: by the kind of its case where the
+// system tells it, else by "book" in its model name, in any letter case. Returns false, with
+// `portable` false, when neither can be read.
+ORB_EXPORT bool IsPortableComputer(bool& portable);
+
+}  // namespace quillon_com::orb::sysprops
