@@ -32,6 +32,9 @@ set(ORB_SOURCES ${ORB_FILEUTIL_SOURCES} ${ORB_NETWORK_SOURCES} ${ORB_SESSION_SOU
 # Headers that callers may include; everything exported is declared in one of them.
 set(ORB_PUBLIC_HEADERS
   fileutil/conversions.h
+  network/ipaddress.h
+  network/ipv6.h
+  network/netinterface.h
   network/networkutil.h
   platform/export.h
   session/loggedonusers.h

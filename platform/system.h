@@ -23,10 +23,10 @@ namespace quillon_com::orb::platform {
 
 // A socket address as the system delivered it.
 struct SocketAddress {
-  sockaddr_storage bytes{};  // zero beyond `size`
-  size_t size = 0;           // bytes that the system stated; 0 when there is no address
+  sockaddr_storage bytes{};    // zero beyond `size`
+  std::optional<size_t> size;  // bytes that the system stated, 0 included; absent without address
 
-  bool present() const { return size != 0; }
+  bool present() const { return size.has_value(); }
   const sockaddr* get() const { return reinterpret_cast<const sockaddr*>(&bytes); }
   sockaddr* get() { return reinterpret_cast<sockaddr*>(&bytes); }
 };
@@ -36,8 +36,9 @@ struct InterfaceEntry {
   std::string name;       // of the interface; an address label's ":1" is not part of it
   unsigned flags = 0;     // IFF_ bits
   SocketAddress address;  // absent for an entry without one
-  SocketAddress
-      netmask;  // absent for an entry without one; may be shorter than its family's record
+  // Absent for an entry without one. May be shorter than its family's record, down to no byte at
+  // all (the mask 0.0.0.0 of some systems), and its family may read 0.
+  SocketAddress netmask;
   // The six bytes at the hardware-address position; set for link-layer entries only.
   std::optional<std::array<unsigned char, 6>> link_address;
 };
