@@ -5,6 +5,11 @@ set(ORB_FILEUTIL_SOURCES
 )
 
 set(ORB_NETWORK_SOURCES
+  network/addresstext.cpp
+  network/enumerate.cpp
+  network/ipaddress.cpp
+  network/ipv6.cpp
+  network/netinterface.cpp
 )
 
 set(ORB_SESSION_SOURCES

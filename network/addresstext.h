@@ -14,16 +14,11 @@ namespace quillon_com::orb::network {
 // untouched, when its family has none.
 bool numeric_text(const platform::SocketAddress& address, std::string* text);
 
-// `mask` as the system stated it for an address of `family`: its own length of bytes. Absent for a
-// null `mask`.
-platform::SocketAddress stated_mask(unsigned family, const sockaddr* mask);
+// getNetMask's rule.
+bool mask_text(unsigned family, const sockaddr* mask, std::string* text);
 
-// getNetMask's rule on a copied mask; false for an absent one.
-bool mask_text(unsigned family, const platform::SocketAddress& mask, std::string* text);
-
-// getNetAddr's rule on copies; false when either is absent.
-bool subnet_text(unsigned family, const platform::SocketAddress& mask,
-                 const platform::SocketAddress& address, std::string* text);
+// getNetAddr's rule; the addresses are read for AF_INET only.
+bool subnet_text(unsigned family, const sockaddr* mask, const sockaddr* address, std::string* text);
 
 // formatMACAddress's text.
 std::string hardware_text(const std::array<unsigned char, 6>& bytes);
