@@ -16,6 +16,15 @@ set(ORB_SESSION_SOURCES
 )
 
 set(ORB_SYSPROPS_SOURCES
+  sysprops/cpu.cpp
+  sysprops/disk.cpp
+  sysprops/gestaltnames.cpp
+  sysprops/helpers.cpp
+  sysprops/keys.cpp
+  sysprops/memory.cpp
+  sysprops/osinfo.cpp
+  sysprops/records.cpp
+  sysprops/releaseinfo.cpp
 )
 
 # Pure parsers and what POSIX gives alike: built everywhere, so that every machine tests them.
