@@ -16,15 +16,19 @@ set(ORB_SESSION_SOURCES
 )
 
 set(ORB_SYSPROPS_SOURCES
+  sysprops/catalogue.cpp
   sysprops/cpu.cpp
   sysprops/disk.cpp
   sysprops/gestaltnames.cpp
   sysprops/helpers.cpp
   sysprops/keys.cpp
   sysprops/memory.cpp
+  sysprops/miscinfo.cpp
+  sysprops/networkinfo.cpp
   sysprops/osinfo.cpp
   sysprops/records.cpp
   sysprops/releaseinfo.cpp
+  sysprops/wrappers.cpp
 )
 
 # Pure parsers and what POSIX gives alike: built everywhere, so that every machine tests them.
@@ -52,6 +56,7 @@ set(ORB_PUBLIC_HEADERS
   network/networkutil.h
   platform/export.h
   session/loggedonusers.h
+  sysprops/catalogue.h
   sysprops/collectors.h
   sysprops/records.h
 )

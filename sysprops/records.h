@@ -102,9 +102,13 @@ class ORB_EXPORT ISysProps {
   // from the clock's response, so that a failed one looks the clock value up among the
   // architectures.
   bool GetCPUInformation(CPUInformation& record);
-  // `computerName`, `domainName`, `ipHostName` and `ipxAddress` are always written. Returns false
-  // when the interfaces cannot be listed: the four address fields then keep their values. With no
-  // interface at all, or none with an address, they do too, and the result is true.
+  // `computerName`, `domainName`, `ipHostName` and `ipxAddress` are always written, for at most one
+  // host look-up. The address, its subnet and mask and its interface's hardware address come from
+  // the first of these that there is, interfaces in the order of NetInterfaceList::getIndexes
+  // without loopback: the address whose text is exactly m_wstrLastKnownLocalIP (the last of several
+  // on one interface); the first address of its family, which is IPv6 when it holds ":" and IPv4
+  // else, also when it is empty; the first interface's first address. Returns false when the
+  // interfaces cannot be listed or none has an address: the four fields then keep their values.
   bool GetNetworkInformation(NetworkInformation& record);
   // Returns false when the free pages cannot be counted; the total may then have been written.
   // The free bytes are rounded down to a grid of twentieths of the total (get_closest_floor).
@@ -125,8 +129,12 @@ class ORB_EXPORT ISysProps {
   // Quirk: `fileSystems` is never cleared and a mount point that it holds already keeps its texts,
   // so that a second collection into the same record refreshes the sums but not the entries.
   bool GetDiskInformation(DiskInformation& record);
-  // Always returns true. Reads the time zone's name as the C library holds it: a process that wants
-  // it right calls tzset at start.
+  // Always returns true. `timeZone` is the standard-time abbreviation as the C library holds it,
+  // read under a lock of its own: the host process calls tzset when it starts and after a change of
+  // zone; no collector does. `lastUpdate`, month first, keeps its value when the time has no local
+  // form. `defaultLangId` is "0809" when the environment variable LANG contains "en_UK", else
+  // "0411" when it contains "ja_JP", else "0409". Scans the user accounting as
+  // session/loggedonusers.h says, diagnostic lines on standard output included.
   // Quirk: `userName` without a logged-on user is "NA", not the record's default "N/A".
   bool GetMiscInformation(MiscInformation& record);
 

@@ -1,0 +1,64 @@
+// sysprops/miscinfo.cpp: the logged-on users, the time zone, the language, the time of collection.
+#include <cstdio>
+#include <cstdlib>
+#include <ctime>
+#include <mutex>
+#include <string>
+
+#include "session/collect.h"
+#include "session/loggedonusers.h"
+#include "sysprops/collect.h"
+
+namespace quillon_com::orb::sysprops {
+
+namespace {
+
+std::string user_text(const platform::System& system) {
+  std::string users;
+  session::collect_all_users(system, session::myfd(), &users);
+  return users.empty() ? "NA" : users;
+}
+
+std::string zone_text(const platform::System& system) {
+  static std::mutex zone_mutex;  // held while the C library's name is copied
+  const std::lock_guard<std::mutex> held(zone_mutex);
+  return system.zone_name();
+}
+
+std::string stamp_text(const tm& time) {
+  char text[96];
+  snprintf(text, sizeof text, "%02d/%02d/%04lld %02d:%02d:%02d", time.tm_mon + 1, time.tm_mday,
+           time.tm_year + 1900LL, time.tm_hour, time.tm_min, time.tm_sec);
+  return text;
+}
+
+const char* language_id() {
+  const char* const lang = getenv("LANG");
+  const std::string name = lang == nullptr ? "" : lang;
+  if (name.find("en_UK") != std::string::npos) return "0809";
+  if (name.find("ja_JP") != std::string::npos) return "0411";
+  return "0409";
+}
+
+}  // namespace
+
+bool collect_misc(const platform::System& system, MiscInformation& record, Fields fields) {
+  if (fields & kUserName) record.userName = sysprops_ansi_to_wide(user_text(system));
+  if (fields & kTimeZone) record.timeZone = sysprops_ansi_to_wide(zone_text(system));
+  // The breakdown may be what makes the C library look at its zone at all: whoever asks for the
+  // zone's name again then reads what a full collection would have left behind.
+  if (fields & (kTimeZone | kLastUpdate)) {
+    tm local{};
+    if (system.local_time(system.wall_clock(), &local)) {
+      record.lastUpdate = sysprops_ansi_to_wide(stamp_text(local));
+    }
+  }
+  if (fields & kLanguage) record.defaultLangId = sysprops_ansi_to_wide(language_id());
+  return true;
+}
+
+bool ISysProps::GetMiscInformation(MiscInformation& record) {
+  return collect_misc(platform::host(), record);
+}
+
+}  // namespace quillon_com::orb::sysprops
