@@ -6,10 +6,15 @@ set(ORB_FILEUTIL_SOURCES
 
 set(ORB_NETWORK_SOURCES
   network/addresstext.cpp
+  network/connect.cpp
   network/enumerate.cpp
+  network/hostnames.cpp
   network/ipaddress.cpp
   network/ipv6.cpp
   network/netinterface.cpp
+  network/networkutil.cpp
+  network/peermatch.cpp
+  network/resolver.cpp
 )
 
 set(ORB_SESSION_SOURCES

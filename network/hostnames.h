@@ -4,11 +4,11 @@
 #include <optional>
 #include <string>
 
-namespace quillon_com::orb {
-
-namespace platform {
+namespace quillon_com::orb::platform {
 class System;
 }
+
+namespace quillon_com::orb::network {
 
 // The names of one machine at one time. Host name and official name are asked of the machine when
 // first needed, and once: both names together wait for one look-up at most. Lives no longer than
@@ -32,4 +32,4 @@ class HostNames {
   std::optional<std::string> official_;  // absent when the host name does not resolve
 };
 
-}  // namespace quillon_com::orb
+}  // namespace quillon_com::orb::network

@@ -23,7 +23,7 @@ class ORB_EXPORT ANetworkUtil {
   // to IPv4 alone when `ipv4Only`. Brackets and a zone around an IPv6 address are removed; a
   // link-local one gets the zone that formatV6addrWithScope chooses. Returns 0 with a list in
   // `*result` that the caller gives back with freeaddrinfo; -1 when `host` is empty or `result` is
-  // null; else getaddrinfo's code. Failure leaves `*result` as getaddrinfo left it.
+  // null; else getaddrinfo's code. Failure leaves `*result` untouched.
   // Quirk: works when `enabled` is false, then without choosing a zone.
   int qlnCreateAddrinfo(const std::string& host, const std::string& service, addrinfo** result,
                         const bool& ipv4Only);
