@@ -80,7 +80,7 @@ bool collect_network(const platform::System& system, NetworkInformation& record,
     record.computerName =
         computer_name(system, name) ? sysprops_ansi_to_wide(name) : DefaultProp_Val;
   }
-  HostNames names(system);
+  network::HostNames names(system);
   if (fields & kDomainName) record.domainName = names.domain_name();
   if (fields & kHostName) record.ipHostName = names.fqdn();
   record.ipxAddress = DefaultProp_Val;
