@@ -2,6 +2,11 @@
 # system in the project.
 
 set(ORB_FILEUTIL_SOURCES
+  fileutil/charclass.cpp
+  fileutil/localetext.cpp
+  fileutil/numbers.cpp
+  fileutil/strings.cpp
+  fileutil/utf8.cpp
 )
 
 set(ORB_NETWORK_SOURCES
@@ -18,6 +23,9 @@ set(ORB_NETWORK_SOURCES
 )
 
 set(ORB_SESSION_SOURCES
+  session/domains.cpp
+  session/loggedonusers.cpp
+  session/usertext.cpp
 )
 
 set(ORB_SYSPROPS_SOURCES

@@ -1,0 +1,113 @@
+// fileutil/strings.cpp: the conversions between string objects.
+#include <charconv>
+#include <cstdint>
+#include <cstdlib>
+#include <memory>
+#include <new>
+#include <string>
+
+#include "fileutil/conversions.h"
+
+namespace quillon_com::orb {
+namespace {
+
+struct Free {
+  void operator()(void* block) const { std::free(block); }
+};
+
+// Room for a converter's result: on the stack when it is short, else from malloc.
+template <class Char>
+class WorkBuffer {
+ public:
+  explicit WorkBuffer(size_t room) {
+    if (room > kShort) {
+      heap_.reset(static_cast<Char*>(
+          room > SIZE_MAX / sizeof(Char) ? nullptr : std::malloc(room * sizeof(Char))));
+      text_ = heap_.get();
+    }
+    if (text_ != nullptr) text_[0] = Char{};
+  }
+  Char* get() { return text_; }  // null when there was no memory, else holds an empty text
+
+ private:
+  static constexpr size_t kShort = 256;
+  Char short_[kShort];
+  std::unique_ptr<Char[], Free> heap_;
+  Char* text_ = short_;
+};
+
+// The string that `make` returns, or an empty one when memory runs out meanwhile.
+template <class Make>
+auto or_empty(Make make) noexcept -> decltype(make()) {
+  try {
+    return make();
+  } catch (const std::bad_alloc&) {
+    return {};
+  }
+}
+
+template <class String, class Number>
+String decimal(Number value) {
+  char digits[24];
+  const auto written = std::to_chars(digits, digits + sizeof(digits), value);
+  return or_empty([&] { return String(digits, written.ptr); });
+}
+
+template <class Map>
+std::string mapped(const std::string& text, Map map) {
+  return or_empty([&] {
+    std::string result = text;
+    for (char& byte : result) byte = static_cast<char>(map(static_cast<unsigned char>(byte)));
+    return result;
+  });
+}
+
+bool is_space(char byte) { return isspace(static_cast<unsigned char>(byte)) != 0; }
+
+}  // namespace
+
+std::wstring voxcomn_ansi_to_wide(const std::string& text) {
+  WorkBuffer<wchar_t> work(text.size() + 1);
+  if (work.get() == nullptr) return {};
+  int capacity = static_cast<int>(text.size() + 1);
+  voxcomn_utf8_to_unicode(text.c_str(), work.get(), &capacity);
+  return or_empty([&] { return std::wstring(work.get()); });
+}
+
+std::string voxcomn_wide_to_ansi(const std::wstring& text) {
+  WorkBuffer<char> work(text.size() * 6 + 1);
+  if (work.get() == nullptr) return {};
+  auto capacity = static_cast<unsigned>(text.size() * 6 + 1);
+  voxcomn_unicode_to_utf8(text.c_str(), work.get(), &capacity);
+  return or_empty([&] { return std::string(work.get()); });
+}
+
+std::wstring voxcomn_long_to_wide_string(const long& value) { return decimal<std::wstring>(value); }
+
+std::wstring voxcomn_ulong_to_wide_string(const unsigned long& value) {
+  return decimal<std::wstring>(value);
+}
+
+std::string voxcomn_long_to_ansi_string(const long& value) { return decimal<std::string>(value); }
+
+std::string voxcomn_convert_to_upper(const std::string& text) {
+  return mapped(text, [](int byte) { return toupper(byte); });
+}
+
+std::string voxcomn_convert_to_lower(const std::string& text) {
+  return mapped(text, [](int byte) { return tolower(byte); });
+}
+
+std::string voxcomn_strip_leading_whitespace(const std::string& text) {
+  size_t start = 0;
+  while (start < text.size() && is_space(text[start])) ++start;
+  return or_empty([&] { return text.substr(start); });
+}
+
+std::string voxcomn_strip_trailing_whitespace(const std::string& text) {
+  size_t end = text.size();
+  while (end > 0 && is_space(text[end - 1])) --end;
+  return or_empty([&] { return text.substr(0, end); });
+}
+
+}  // namespace quillon_com::orb

@@ -1,0 +1,105 @@
+// session/loggedonusers.cpp: the scan of the user-accounting database and the lists made of it.
+#include "session/loggedonusers.h"
+
+#include "platform/system.h"
+#include "session/collect.h"
+
+namespace quillon_com::orb::session {
+namespace {
+
+constexpr int kUserProcess = 7;  // the entry type of a user's session
+
+// The domains of `user`, joined by "|", by the first of three methods that finds one.
+bool find_domains(const platform::System& system, FILE* lines, const std::string& user,
+                  std::string* domains) {
+  return find_domain_by_group(system, lines, user, domains) ||
+         FindDomainNameViaDscl(system, user, "userPrincipalName", domains) ||
+         FindDomainNameViaDscl(system, user, "OriginalAuthenticationAuthority", domains);
+}
+
+void add_network_user(const std::string& user, const std::string& domains, FILE* lines,
+                      std::set<std::string>* network) {
+  std::vector<std::string> parts;
+  split(domains, '|', parts);
+  if (parts.empty()) parts.push_back(domains);
+  for (const std::string& part : parts) {
+    std::string name = part + "\\" + user;
+    toLower(name);
+    network->insert(name);
+    std::fprintf(lines, "Network User logged on %s \n", name.c_str());
+  }
+}
+
+void add_local_user(std::string user, FILE* lines, std::set<std::string>* local) {
+  toLower(user);
+  local->insert(user);
+  std::fprintf(lines, "Local User Logged on %s \n", user.c_str());
+}
+
+// Replaces `list` unless there are no `names`.
+void join(const std::set<std::string>& names, std::string* list) {
+  if (names.empty()) return;
+  std::string joined;
+  for (const std::string& name : names) {
+    if (&name != &*names.begin()) joined += ",";
+    joined += name;
+  }
+  *list = joined;
+}
+
+}  // namespace
+
+void collect_logged_on_users(const platform::System& system, FILE* lines,
+                             std::set<std::string>* network, std::set<std::string>* local,
+                             bool skip_local) {
+  std::fputs("Some changes happen in the logon sessions.\n", lines);
+  platform::SessionEntry entry;
+  while (system.next_session_entry(&entry)) {
+    std::fprintf(lines, "%d  %s  %s  %s \n", entry.type, entry.id.c_str(), entry.user.c_str(),
+                 entry.line.c_str());
+    if (entry.type != kUserProcess) continue;
+    std::string domains;
+    if (find_domains(system, lines, entry.user, &domains)) {
+      add_network_user(entry.user, domains, lines, network);
+    } else if (!skip_local) {
+      add_local_user(entry.user, lines, local);
+    }
+  }
+  std::fputs("Coming out from the logon session collections.\n", lines);
+  system.rewind_sessions();
+}
+
+void collect_user_lists(const platform::System& system, FILE* lines, std::string* network_list,
+                        std::string* local_list, bool skip_local) {
+  std::set<std::string> network;
+  std::set<std::string> local;
+  collect_logged_on_users(system, lines, &network, &local, skip_local);
+  join(network, network_list);
+  if (!skip_local) join(local, local_list);
+}
+
+void collect_all_users(const platform::System& system, FILE* lines, std::string* result) {
+  std::string network;
+  std::string local;
+  collect_user_lists(system, lines, &network, &local, false);
+  if (!network.empty() && !local.empty()) network += ",";
+  *result = network + local;
+  limit_user_list(result);
+}
+
+void CollectLoggedonUsers(std::set<std::string>& network, std::set<std::string>& local,
+                          bool skipLocal) {
+  collect_logged_on_users(platform::host(), myfd(), &network, &local, skipLocal);
+}
+
+void CollectComaSepLoggedonUsers(std::string& networkList, std::string& localList, bool skipLocal) {
+  collect_user_lists(platform::host(), myfd(), &networkList, &localList, skipLocal);
+}
+
+void CollectAllLoggedonUsers(std::string& result) {
+  collect_all_users(platform::host(), myfd(), &result);
+}
+
+FILE* myfd() { return stdout; }
+
+}  // namespace quillon_com::orb::session

@@ -1,0 +1,67 @@
+// session/usertext.cpp: the texts of user names: trimming, splitting, joining, limiting.
+#include <ctype.h>
+
+#include <cstring>
+#include <iterator>
+
+#include "session/collect.h"
+#include "session/loggedonusers.h"
+
+namespace quillon_com::orb::session {
+namespace {
+
+bool is_alnum(char byte) { return isalnum(static_cast<unsigned char>(byte)) != 0; }
+
+constexpr size_t kListLimit = 128;
+constexpr const char* kCutMark = ",...";
+
+}  // namespace
+
+std::string trimmer(const char* text) {
+  if (text == nullptr) return {};
+  const char* start = text;
+  while (*start != '\0' && !is_alnum(*start)) ++start;
+  const char* end = start + std::strlen(start);
+  while (end > start && !is_alnum(end[-1])) --end;
+  return std::string(start, end);
+}
+
+void split(const std::string& text, char delimiter, std::vector<std::string>& parts) {
+  size_t end = text.find(delimiter);
+  if (end == std::string::npos) return;
+  std::vector<std::string> pieces;  // `text` may be one of `parts`
+  size_t start = 0;
+  for (; end != std::string::npos; end = text.find(delimiter, start)) {
+    pieces.push_back(text.substr(start, end - start));
+    start = end + 1;
+  }
+  pieces.push_back(text.substr(start));
+  parts.insert(parts.end(), std::make_move_iterator(pieces.begin()),
+               std::make_move_iterator(pieces.end()));
+}
+
+void toLower(std::string& text) {
+  for (char& byte : text) byte = static_cast<char>(tolower(static_cast<unsigned char>(byte)));
+}
+
+void parseFullUserName(std::wstring& fullName, std::wstring& domain, std::wstring& user) {
+  const std::wstring name = fullName;  // one string may be passed for several
+  const size_t backslash = name.find(L'\\');
+  if (backslash == std::wstring::npos) {
+    domain.clear();
+    user = name;
+    return;
+  }
+  domain = name.substr(0, backslash);
+  user = name.substr(backslash + 1);
+}
+
+void limit_user_list(std::string* users) {
+  if (users->size() < kListLimit) return;
+  users->resize(kListLimit);
+  const size_t comma = users->rfind(',');
+  if (comma == std::string::npos || kListLimit - comma < std::strlen(kCutMark)) return;
+  users->replace(comma, std::string::npos, kCutMark);
+}
+
+}  // namespace quillon_com::orb::session
