@@ -1,0 +1,162 @@
+// tests/fileutil/strings_test.cpp: the string objects of fileutil/conversions.h.
+#include <gtest/gtest.h>
+
+#include <climits>
+#include <string>
+
+#include "fileutil/conversions.h"
+#include "tests/support/faults.h"
+#include "tests/support/scoped_locale.h"
+
+namespace {
+
+using namespace quillon_com::orb;
+using orbtest::Failing;
+using orbtest::MemoryFaults;
+
+TEST(AnsiToWide, ConvertsUtf8) {
+  EXPECT_EQ(L"", voxcomn_ansi_to_wide(""));
+  EXPECT_EQ(L"abc", voxcomn_ansi_to_wide("abc"));
+  EXPECT_EQ(L"\xE9\x20AC\x1F600", voxcomn_ansi_to_wide("\xC3\xA9\xE2\x82\xAC\xF0\x9F\x98\x80"));
+}
+
+TEST(AnsiToWide, EndsAtAnEmbeddedZero) {
+  EXPECT_EQ(L"ab", voxcomn_ansi_to_wide(std::string("ab\0cd", 5)));
+  EXPECT_EQ(L"", voxcomn_ansi_to_wide(std::string("\0cd", 3)));
+}
+
+TEST(AnsiToWide, EndsAtAnInvalidSequence) {
+  EXPECT_EQ(L"ab", voxcomn_ansi_to_wide("ab\xFF"
+                                        "cd"));
+}
+
+TEST(AnsiToWide, IsUtf8InEveryLocale) {
+  for (const char* name : {"C", "C.utf8"}) {
+    orbtest::ScopedLocale locale(name);
+    ASSERT_TRUE(locale.set());
+    EXPECT_EQ(L"\xE9", voxcomn_ansi_to_wide("\xC3\xA9")) << name;
+    EXPECT_EQ("\xC3\xA9", voxcomn_wide_to_ansi(L"\xE9")) << name;
+  }
+}
+
+TEST(WideToAnsi, ConvertsToUtf8) {
+  EXPECT_EQ("", voxcomn_wide_to_ansi(L""));
+  EXPECT_EQ("abc", voxcomn_wide_to_ansi(L"abc"));
+  EXPECT_EQ("\xC3\xA9\xE2\x82\xAC\xF0\x9F\x98\x80", voxcomn_wide_to_ansi(L"\xE9\x20AC\x1F600"));
+}
+
+TEST(WideToAnsi, EndsAtAnEmbeddedZero) {
+  EXPECT_EQ("ab", voxcomn_wide_to_ansi(std::wstring(L"ab\0cd", 5)));
+}
+
+TEST(WideToAnsi, EndsAtASurrogate) {
+  EXPECT_EQ("ab", voxcomn_wide_to_ansi(std::wstring(L"ab") + wchar_t(0xD800) + L"cd"));
+}
+
+// Lengths on both sides of every internal size, of one and of four bytes a character.
+TEST(WideToAnsi, EveryLengthComesBack) {
+  for (size_t length = 0; length <= 600; ++length) {
+    const std::wstring wide =
+        std::wstring(length / 2, L'a') + std::wstring(length - length / 2, L'\x1F600');
+    ASSERT_EQ(wide, voxcomn_ansi_to_wide(voxcomn_wide_to_ansi(wide))) << length;
+  }
+  const std::wstring large(1000000, L'\x20AC');
+  EXPECT_EQ(large, voxcomn_ansi_to_wide(voxcomn_wide_to_ansi(large)));
+}
+
+TEST(NumbersToStrings, WriteDecimals) {
+  EXPECT_EQ(L"0", voxcomn_long_to_wide_string(0));
+  EXPECT_EQ(L"-1", voxcomn_long_to_wide_string(-1));
+  EXPECT_EQ(L"-9223372036854775808", voxcomn_long_to_wide_string(LONG_MIN));
+  EXPECT_EQ(L"9223372036854775807", voxcomn_long_to_wide_string(LONG_MAX));
+  EXPECT_EQ(L"0", voxcomn_ulong_to_wide_string(0));
+  EXPECT_EQ(L"18446744073709551615", voxcomn_ulong_to_wide_string(ULONG_MAX));
+  EXPECT_EQ("0", voxcomn_long_to_ansi_string(0));
+  EXPECT_EQ("-42", voxcomn_long_to_ansi_string(-42));
+  EXPECT_EQ("-9223372036854775808", voxcomn_long_to_ansi_string(LONG_MIN));
+  EXPECT_EQ("9223372036854775807", voxcomn_long_to_ansi_string(LONG_MAX));
+}
+
+TEST(Case, MapsEachByte) {
+  orbtest::ScopedLocale locale("C");
+  EXPECT_EQ("", voxcomn_convert_to_upper(""));
+  EXPECT_EQ("ABC-XYZ 09", voxcomn_convert_to_upper("aBc-xyz 09"));
+  EXPECT_EQ("abc-xyz 09", voxcomn_convert_to_lower("AbC-XYZ 09"));
+  EXPECT_EQ("@[`{", voxcomn_convert_to_lower("@[`{"));
+  EXPECT_EQ("@[`{", voxcomn_convert_to_upper("@[`{"));
+}
+
+TEST(Case, PassesOverEmbeddedZeros) {
+  EXPECT_EQ(std::string("A\0B", 3), voxcomn_convert_to_upper(std::string("a\0b", 3)));
+  EXPECT_EQ(std::string("a\0b", 3), voxcomn_convert_to_lower(std::string("A\0B", 3)));
+}
+
+// U+00E9 and U+00C9 differ in case; in these locales their bytes do not.
+TEST(Case, QuirkMultibyteCharactersAreMappedByteByByte) {
+  for (const char* name : {"C", "C.utf8"}) {
+    orbtest::ScopedLocale locale(name);
+    EXPECT_EQ("\xC3\xA9", voxcomn_convert_to_upper("\xC3\xA9")) << name;
+    EXPECT_EQ("\xC3\x89", voxcomn_convert_to_lower("\xC3\x89")) << name;
+  }
+}
+
+struct StripCase {
+  const char* name;
+  std::string text, without_leading, without_trailing;
+};
+
+class Strip : public testing::TestWithParam<StripCase> {};
+
+TEST_P(Strip, BothEnds) {
+  orbtest::ScopedLocale locale("C");
+  EXPECT_EQ(GetParam().without_leading, voxcomn_strip_leading_whitespace(GetParam().text));
+  EXPECT_EQ(GetParam().without_trailing, voxcomn_strip_trailing_whitespace(GetParam().text));
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Rows, Strip,
+    testing::Values(StripCase{"Empty", "", "", ""}, StripCase{"NoSpace", "ab", "ab", "ab"},
+                    StripCase{"InnerBlanksStay", "  a b ", "a b ", "  a b"},
+                    StripCase{"EveryKindOfSpace", " \t\n\v\f\ra \t\n\v\f\r", "a \t\n\v\f\r",
+                              " \t\n\v\f\ra"},
+                    StripCase{"AllBlank", "   ", "", ""}, StripCase{"OneBlank", " ", "", ""},
+                    StripCase{"ZeroByteIsNoSpace", std::string(" \0 ", 3), std::string("\0 ", 2),
+                              std::string(" \0", 2)},
+                    StripCase{"HighBytesAreNoSpace", "\xA0 \x85", "\xA0 \x85", "\xA0 \x85"},
+                    StripCase{"OneCharacter", "x", "x", "x"}),
+    [](const auto& row) { return row.param.name; });
+
+// What a wrapper gives while each request for memory of its run fails in turn: always "".
+template <class Call>
+size_t empty_whenever_memory_fails(Call call) {
+  return orbtest::for_each_memory_fault([&](size_t nth, Failing failing) {
+    size_t failures = 0;
+    size_t length = 0;
+    {
+      const MemoryFaults faults(nth, failing);
+      length = call().size();
+      failures = faults.failures();
+    }
+    EXPECT_EQ(failures != 0, length == 0) << nth;
+    return failures;
+  });
+}
+
+TEST(OutOfMemory, EveryStringIsEmpty) {
+  const std::string narrow(1000, 'a');
+  const std::wstring wide(1000, L'a');
+  EXPECT_EQ(2U, empty_whenever_memory_fails([&] { return voxcomn_ansi_to_wide(narrow); }));
+  EXPECT_EQ(2U, empty_whenever_memory_fails([&] { return voxcomn_wide_to_ansi(wide); }));
+  EXPECT_EQ(1U, empty_whenever_memory_fails([&] { return voxcomn_convert_to_upper(narrow); }));
+  EXPECT_EQ(1U, empty_whenever_memory_fails([&] { return voxcomn_convert_to_lower(narrow); }));
+  EXPECT_EQ(1U,
+            empty_whenever_memory_fails([&] { return voxcomn_strip_leading_whitespace(narrow); }));
+  EXPECT_EQ(1U,
+            empty_whenever_memory_fails([&] { return voxcomn_strip_trailing_whitespace(narrow); }));
+  EXPECT_EQ(1U, empty_whenever_memory_fails([] { return voxcomn_long_to_wide_string(LONG_MIN); }));
+  EXPECT_EQ(1U,
+            empty_whenever_memory_fails([] { return voxcomn_ulong_to_wide_string(ULONG_MAX); }));
+  EXPECT_EQ(1U, empty_whenever_memory_fails([] { return voxcomn_long_to_ansi_string(LONG_MIN); }));
+}
+
+}  // namespace
