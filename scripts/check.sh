@@ -6,7 +6,7 @@ cd "$(dirname "$0")/.." || exit 2
 jobs=${JOBS:-2}
 mkdir -p build
 
-sources() { git ls-files "$@" | grep -vE '^tests/darwin/headers/'; }
+sources() { git ls-files "$@" | grep -vE '^(tests/darwin/headers|cmake/macos)/'; }
 
 step_format() {
   sources '*.h' '*.cpp' '*.c' | xargs clang-format --dry-run -Werror
