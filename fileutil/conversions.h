@@ -67,13 +67,10 @@ ORB_EXPORT unsigned voxcomn_unicode_to_utf8(const wchar_t* source, char* destina
 // 0x10FFFF) ends the text: what stands before it is delivered and the status is 0.
 ORB_EXPORT unsigned voxcomn_utf8_to_unicode(const char* source, wchar_t* destination, int* size);
 
-// The C library's functions of these names, exported as copies of this library: the classes and
-// case maps of the process's LC_CTYPE locale, for the value of an unsigned char or EOF. The mark of
-// the exports stands at their definitions, since <ctype.h> may have defined them inline before.
-int(isalnum)(int c);
-int(isspace)(int c);
-int(tolower)(int c);
-int(toupper)(int c);
+// isalnum, isspace, tolower and toupper, declared by <ctype.h>, are exported as copies of this
+// library, with unmangled names: the classes and case maps of the process's LC_CTYPE locale, for
+// the value of an unsigned char or EOF. They are not declared again: where that header defines them
+// inline in C++, a second declaration with unmangled names would contradict it.
 
 ORB_EXTERN_C_END
 
