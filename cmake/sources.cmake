@@ -46,6 +46,13 @@ set(ORB_SYSPROPS_SOURCES
 
 # Pure parsers and what POSIX gives alike: built everywhere, so that every machine tests them.
 set(ORB_PLATFORM_SOURCES
+  platform/linux_cpuinfo.cpp
+  platform/linux_mounts.cpp
+  platform/linux_text.cpp
+  platform/posix_system.cpp
+  platform/version_list.cpp
+  platform/version_list_binary.cpp
+  platform/version_list_xml.cpp
 )
 
 if(CMAKE_SYSTEM_NAME STREQUAL "Darwin")
@@ -53,7 +60,12 @@ if(CMAKE_SYSTEM_NAME STREQUAL "Darwin")
   )
 else()
   list(APPEND ORB_PLATFORM_SOURCES
+    platform/linux_interfaces.cpp
+    platform/linux_processor.cpp
+    platform/linux_sessions.cpp
+    platform/linux_system.cpp
     platform/linux_values.cpp
+    platform/linux_volumes.cpp
   )
 endif()
 

@@ -1,0 +1,73 @@
+// platform/linux_interfaces.cpp: the interface entries of LinuxSystem.
+#include <ifaddrs.h>
+#include <net/if.h>
+#include <netinet/in.h>
+#include <netpacket/packet.h>
+
+#include <algorithm>
+#include <cstring>
+
+#include "platform/linux_interfaces.h"
+#include "platform/linux_system.h"
+
+namespace quillon_com::orb::platform {
+namespace {
+
+size_t address_size(int family) {
+  switch (family) {
+    case AF_INET:
+      return sizeof(sockaddr_in);
+    case AF_INET6:
+      return sizeof(sockaddr_in6);
+    case AF_PACKET:
+      return sizeof(sockaddr_ll);
+    default:
+      return sizeof(sockaddr);
+  }
+}
+
+void copy_address(const sockaddr* from, SocketAddress* to) {
+  if (from == nullptr) return;
+  const size_t size = address_size(from->sa_family);
+  std::memcpy(&to->bytes, from, size);
+  to->size = size;
+}
+
+std::optional<std::array<unsigned char, 6>> link_address(const sockaddr* address) {
+  if (address == nullptr || address->sa_family != AF_PACKET) return std::nullopt;
+  sockaddr_ll link;
+  std::memcpy(&link, address, sizeof link);
+  if (link.sll_halen == 0) return std::nullopt;
+  std::array<unsigned char, 6> bytes{};
+  std::copy_n(link.sll_addr, std::min<size_t>(link.sll_halen, bytes.size()), bytes.begin());
+  return bytes;
+}
+
+}  // namespace
+
+InterfaceEntry entry_of(const ifaddrs& entry) {
+  InterfaceEntry result;
+  const char* name = entry.ifa_name != nullptr ? entry.ifa_name : "";
+  result.name.assign(name, strcspn(name, ":"));
+  result.flags = entry.ifa_flags;
+  copy_address(entry.ifa_addr, &result.address);
+  copy_address(entry.ifa_netmask, &result.netmask);
+  result.link_address = link_address(entry.ifa_addr);
+  return result;
+}
+
+bool LinuxSystem::interface_entries(std::vector<InterfaceEntry>* entries) const {
+  ifaddrs* list = nullptr;
+  if (getifaddrs(&list) != 0) return false;
+  size_t count = 0;
+  for (const ifaddrs* entry = list; entry != nullptr; entry = entry->ifa_next) ++count;
+  entries->clear();
+  entries->reserve(count);
+  for (const ifaddrs* entry = list; entry != nullptr; entry = entry->ifa_next) {
+    entries->push_back(entry_of(*entry));
+  }
+  freeifaddrs(list);
+  return true;
+}
+
+}  // namespace quillon_com::orb::platform

@@ -1,0 +1,185 @@
+// platform/linux_system.cpp: names, files, identification and memory.
+#include "platform/linux_system.h"
+
+#include <dirent.h>
+#include <netdb.h>
+#include <strings.h>
+#include <sys/sysinfo.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <utility>
+
+#include "platform/linux_text.h"
+#include "platform/version_list.h"
+
+namespace quillon_com::orb::platform {
+namespace {
+
+constexpr size_t kMostNames = 4096;                     // of one folder
+constexpr size_t kMostResolverBytes = size_t{1} << 20;  // of one answer
+
+enum class LookUp { found, no_such_address, failed };
+
+LookUp look_up(const std::string& name, int family, std::string* official) {
+  std::vector<char> buffer(2048);
+  while (true) {
+    hostent entry{};
+    hostent* found = nullptr;
+    int error = 0;
+    const int result = gethostbyname2_r(name.c_str(), family, &entry, buffer.data(), buffer.size(),
+                                        &found, &error);
+    if (result == ERANGE && buffer.size() < kMostResolverBytes) {
+      buffer.resize(buffer.size() * 2);
+      continue;
+    }
+    if (result == 0 && found != nullptr && found->h_name != nullptr) {
+      *official = known_name(name, found->h_name, found->h_aliases);
+      return LookUp::found;
+    }
+    return error == HOST_NOT_FOUND || error == NO_DATA ? LookUp::no_such_address : LookUp::failed;
+  }
+}
+
+bool is_local_name(const char* name) { return strncasecmp(name, "localhost", 9) == 0; }
+
+}  // namespace
+
+const System& host() {
+  static const LinuxSystem system;
+  return system;
+}
+
+LinuxSystem::LinuxSystem(std::string root) : root_(std::move(root)) {}
+
+std::string LinuxSystem::text_of(const std::string& path, size_t limit) const {
+  std::string text;
+  PosixSystem::file_bytes(at(path), limit, &text);
+  return text;
+}
+
+std::vector<std::string> LinuxSystem::names_in(const std::string& folder) const {
+  std::vector<std::string> names;
+  DIR* listing = opendir(at(folder).c_str());
+  if (listing == nullptr) return names;
+  while (names.size() < kMostNames) {
+    const dirent* entry = readdir(listing);
+    if (entry == nullptr) break;
+    if (entry->d_name[0] != '.') names.emplace_back(entry->d_name);
+  }
+  closedir(listing);
+  std::sort(names.begin(), names.end());
+  return names;
+}
+
+bool LinuxSystem::host_name(std::string* name) const {
+  if (is_running_machine()) return PosixSystem::host_name(name);
+  std::string text = first_line(text_of("/proc/sys/kernel/hostname"));
+  if (text.empty()) return false;
+  *name = std::move(text);
+  return true;
+}
+
+bool LinuxSystem::official_host_name(const std::string& name, std::string* official) const {
+  if (!is_running_machine()) return false;
+  LookUp result = look_up(name, AF_INET, official);
+  if (result == LookUp::no_such_address) result = look_up(name, AF_INET6, official);
+  return result == LookUp::found;
+}
+
+bool LinuxSystem::kernel_domain(std::string* domain) const { return domain_name(domain); }
+
+bool LinuxSystem::domain_name(std::string* domain) const {
+  std::string text;
+  if (is_running_machine()) {
+    if (!PosixSystem::domain_name(&text)) return false;
+  } else {
+    text = first_line(text_of("/proc/sys/kernel/domainname"));
+    if (text.empty()) return false;
+  }
+  *domain = name_unless_none(std::move(text));
+  return true;
+}
+
+bool LinuxSystem::kernel_names(KernelNames* names) const {
+  if (is_running_machine()) return PosixSystem::kernel_names(names);
+  KernelNames read{first_line(text_of("/proc/sys/kernel/hostname")),
+                   first_line(text_of("/proc/sys/kernel/arch")),
+                   first_line(text_of("/proc/sys/kernel/osrelease"))};
+  if (read.node.empty() && read.machine.empty() && read.release.empty()) return false;
+  *names = std::move(read);
+  return true;
+}
+
+bool LinuxSystem::file_size(const std::string& path, uint64_t* size) const {
+  return PosixSystem::file_size(at(path), size);
+}
+
+bool LinuxSystem::file_bytes(const std::string& path, size_t limit, std::string* bytes) const {
+  return PosixSystem::file_bytes(at(path), limit, bytes);
+}
+
+bool LinuxSystem::property_list_texts(const std::string& bytes,
+                                      const std::vector<std::string>& keys,
+                                      std::vector<std::optional<std::string>>* texts) const {
+  return platform::property_list_texts(bytes, keys, texts);
+}
+
+bool LinuxSystem::release_texts(ReleaseTexts* texts) const {
+  uint64_t size = 0;
+  if (file_size("/System/Library/CoreServices/SystemVersionCompat.plist", &size) ||
+      file_size("/System/Library/CoreServices/SystemVersion.plist", &size)) {
+    return false;
+  }
+  ReleaseTexts read;
+  if (!file_size("/etc/os-release", &size)) {
+    read.fields = settings_of(text_of("/usr/lib/os-release"));
+  } else {
+    read.fields = settings_of(text_of("/etc/os-release"));
+  }
+  read.legacy_name = settings_of(text_of("/etc/lsb-release"))["DISTRIB_ID"];
+  if (read.legacy_name.empty()) {
+    read.legacy_name = words_before_release(text_of("/etc/redhat-release"));
+  }
+  if (read.legacy_name.empty()) read.legacy_name = first_line(text_of("/etc/SuSE-release"));
+  read.debian_version = first_line(text_of("/etc/debian_version"));
+  const auto chassis_type = decimal_count(first_line(text_of("/sys/class/dmi/id/chassis_type")));
+  if (chassis_type && *chassis_type < 256) read.chassis_type = static_cast<int>(*chassis_type);
+  *texts = std::move(read);
+  return true;
+}
+
+bool LinuxSystem::total_memory(uint64_t* bytes) const {
+  if (const auto total = memory_kilobytes(text_of("/proc/meminfo"), "MemTotal")) {
+    *bytes = *total * 1024;
+    return true;
+  }
+  struct sysinfo kernel {};
+  if (!is_running_machine() || sysinfo(&kernel) != 0) return false;
+  *bytes = uint64_t{kernel.totalram} * kernel.mem_unit;
+  return true;
+}
+
+bool LinuxSystem::free_memory(uint64_t* pages, uint64_t* page_size) const {
+  if (const auto free = memory_kilobytes(text_of("/proc/meminfo"), "MemFree")) {
+    *pages = *free;
+    *page_size = 1024;
+    return true;
+  }
+  struct sysinfo kernel {};
+  if (!is_running_machine() || sysinfo(&kernel) != 0) return false;
+  *pages = kernel.freeram;
+  *page_size = kernel.mem_unit;
+  return true;
+}
+
+std::string known_name(const std::string& name, const char* official, char* const* aliases) {
+  if (!is_local_name(official) || is_local_name(name.c_str())) return official;
+  const std::string start = name + ".";
+  for (char* const* alias = aliases; alias != nullptr && *alias != nullptr; ++alias) {
+    if (strncasecmp(*alias, start.c_str(), start.size()) == 0) return *alias;
+  }
+  return name;
+}
+
+}  // namespace quillon_com::orb::platform
