@@ -55,22 +55,30 @@ set(ORB_PLATFORM_SOURCES
   platform/version_list_xml.cpp
 )
 
-if(CMAKE_SYSTEM_NAME STREQUAL "Darwin")
-  list(APPEND ORB_PLATFORM_SOURCES
-  )
-else()
-  list(APPEND ORB_PLATFORM_SOURCES
-    platform/linux_interfaces.cpp
-    platform/linux_processor.cpp
-    platform/linux_sessions.cpp
-    platform/linux_system.cpp
-    platform/linux_values.cpp
-    platform/linux_volumes.cpp
-  )
-endif()
+set(ORB_DARWIN_SOURCES
+  platform/darwin_interfaces.cpp
+  platform/darwin_lists.cpp
+  platform/darwin_system.cpp
+  platform/darwin_values.cpp
+)
 
-set(ORB_SOURCES ${ORB_FILEUTIL_SOURCES} ${ORB_NETWORK_SOURCES} ${ORB_SESSION_SOURCES}
-                ${ORB_SYSPROPS_SOURCES} ${ORB_PLATFORM_SOURCES})
+set(ORB_LINUX_SOURCES
+  platform/linux_interfaces.cpp
+  platform/linux_processor.cpp
+  platform/linux_sessions.cpp
+  platform/linux_system.cpp
+  platform/linux_values.cpp
+  platform/linux_volumes.cpp
+)
+
+# What every system builds; with the list of one system it is the library.
+set(ORB_COMMON_SOURCES ${ORB_FILEUTIL_SOURCES} ${ORB_NETWORK_SOURCES} ${ORB_SESSION_SOURCES}
+                       ${ORB_SYSPROPS_SOURCES} ${ORB_PLATFORM_SOURCES})
+if(CMAKE_SYSTEM_NAME STREQUAL "Darwin")
+  set(ORB_SOURCES ${ORB_COMMON_SOURCES} ${ORB_DARWIN_SOURCES})
+else()
+  set(ORB_SOURCES ${ORB_COMMON_SOURCES} ${ORB_LINUX_SOURCES})
+endif()
 
 # Headers that callers may include; everything exported is declared in one of them.
 set(ORB_PUBLIC_HEADERS
