@@ -19,17 +19,27 @@ std::string user_text(const platform::System& system) {
   return users.empty() ? "NA" : users;
 }
 
-std::string zone_text(const platform::System& system) {
-  static std::mutex zone_mutex;  // held while the C library's name is copied
-  const std::lock_guard<std::mutex> held(zone_mutex);
-  return system.zone_name();
-}
-
 std::string stamp_text(const tm& time) {
   char text[96];
   snprintf(text, sizeof text, "%02d/%02d/%04lld %02d:%02d:%02d", time.tm_mon + 1, time.tm_mday,
            time.tm_year + 1900LL, time.tm_hour, time.tm_min, time.tm_sec);
   return text;
+}
+
+// The zone's name before the time: a breakdown may be what makes the C library look at its zone at
+// all. Always both, so that who asks for one again reads what a full collection would have left.
+void collect_time(const platform::System& system, MiscInformation& record) {
+  static std::mutex zone_mutex;  // guards the C library's names, which a breakdown writes anew
+  std::string zone;
+  tm local{};
+  bool local_known = false;
+  {
+    const std::lock_guard<std::mutex> held(zone_mutex);
+    zone = system.zone_name();
+    local_known = system.local_time(system.wall_clock(), &local);
+  }
+  record.timeZone = sysprops_ansi_to_wide(zone);
+  if (local_known) record.lastUpdate = sysprops_ansi_to_wide(stamp_text(local));
 }
 
 const char* language_id() {
@@ -44,15 +54,7 @@ const char* language_id() {
 
 bool collect_misc(const platform::System& system, MiscInformation& record, Fields fields) {
   if (fields & kUserName) record.userName = sysprops_ansi_to_wide(user_text(system));
-  if (fields & kTimeZone) record.timeZone = sysprops_ansi_to_wide(zone_text(system));
-  // The breakdown may be what makes the C library look at its zone at all: whoever asks for the
-  // zone's name again then reads what a full collection would have left behind.
-  if (fields & (kTimeZone | kLastUpdate)) {
-    tm local{};
-    if (system.local_time(system.wall_clock(), &local)) {
-      record.lastUpdate = sysprops_ansi_to_wide(stamp_text(local));
-    }
-  }
+  if (fields & (kTimeZone | kLastUpdate)) collect_time(system, record);
   if (fields & kLanguage) record.defaultLangId = sysprops_ansi_to_wide(language_id());
   return true;
 }

@@ -130,8 +130,8 @@ class ORB_EXPORT ISysProps {
   // so that a second collection into the same record refreshes the sums but not the entries.
   bool GetDiskInformation(DiskInformation& record);
   // Always returns true. `timeZone` is the standard-time abbreviation as the C library holds it,
-  // read under a lock of its own: the host process calls tzset when it starts and after a change of
-  // zone; no collector does. `lastUpdate`, month first, keeps its value when the time has no local
+  // read together with the time under a lock of its own: the host process calls tzset when it
+  // starts and after a change of zone; no collector does. `lastUpdate`, month first, keeps its value when the time has no local
   // form. `defaultLangId` is "0809" when the environment variable LANG contains "en_UK", else
   // "0411" when it contains "ja_JP", else "0409". Scans the user accounting as
   // session/loggedonusers.h says, diagnostic lines on standard output included.
