@@ -11,7 +11,7 @@ namespace quillon_com::orb::platform {
 namespace {
 
 // A processor's own lines come first and fit; the text goes on for every further processor.
-constexpr size_t kCpuInfoLimit = 8192;
+constexpr size_t kCpuInfoLimit = 4096;
 constexpr char kProcessorFolder[] = "/proc/device-tree/cpus";
 constexpr uint64_t kKilo = 1000;
 

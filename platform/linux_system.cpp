@@ -132,11 +132,8 @@ bool LinuxSystem::release_texts(ReleaseTexts* texts) const {
     return false;
   }
   ReleaseTexts read;
-  if (!file_size("/etc/os-release", &size)) {
-    read.fields = settings_of(text_of("/usr/lib/os-release"));
-  } else {
-    read.fields = settings_of(text_of("/etc/os-release"));
-  }
+  read.fields = settings_of(text_of("/etc/os-release"));
+  if (read.fields.empty()) read.fields = settings_of(text_of("/usr/lib/os-release"));
   read.legacy_name = settings_of(text_of("/etc/lsb-release"))["DISTRIB_ID"];
   if (read.legacy_name.empty()) {
     read.legacy_name = words_before_release(text_of("/etc/redhat-release"));

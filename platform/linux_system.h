@@ -16,8 +16,8 @@ namespace quillon_com::orb::platform {
 // /sys/devices/system/cpu/online), or cannot be read. Clock, accounts, commands, sockets and
 // interfaces stay those of the running machine.
 //
-// Files are read up to a fixed size each (64 KiB; the mount table 4 MiB, the processor's text
-// 8 KiB); what lies beyond is not seen.
+// Files are read up to a fixed size each (64 KiB; the mount table 4 MiB, the processor's text and
+// session files 4 KiB); what lies beyond is not seen.
 class LinuxSystem : public PosixSystem {
  public:
   explicit LinuxSystem(std::string root = "");
