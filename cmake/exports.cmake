@@ -1,8 +1,22 @@
 # orb_limit_exports: gives a shared library exactly the names of abi/exports.txt.
 #
-# The file holds one demangled name a line, with the standard libraries' inline name spaces left
-# out. On ELF systems it becomes a version script, so that every export carries a version and
-# replaces nobody's symbol of the same name; elsewhere the visibility mark alone decides.
+# The file holds one demangled name a line, as scripts/exported_names.sh prints them. On ELF systems
+# it becomes a version script, so that every export carries a version and replaces nobody's symbol of
+# the same name; elsewhere the visibility mark alone decides.
+
+# The name as the linker sees it, given the one of the list.
+function(orb_linker_name name result)
+  foreach(pair "string=char" "wstring=wchar_t")
+    string(REGEX MATCH "^([a-z]+)=(.*)$" _ "${pair}")
+    string(REPLACE "std::${CMAKE_MATCH_1}"
+           "std::__cxx11::basic_string<${CMAKE_MATCH_2}, std::char_traits<${CMAKE_MATCH_2}>, std::allocator<${CMAKE_MATCH_2}> >"
+           name "${name}")
+  endforeach()
+  string(REPLACE ">>" "> >" name "${name}")
+  string(REPLACE ">>" "> >" name "${name}")
+  set(${result} "${name}" PARENT_SCOPE)
+endfunction()
+
 function(orb_limit_exports target)
   if(APPLE)
     return()
@@ -19,8 +33,14 @@ function(orb_limit_exports target)
     elseif(name MATCHES "^[A-Za-z_][A-Za-z0-9_]*$")
       string(APPEND c_names "    ${name};\n")
     else()
-      string(REPLACE "std::basic_string<" "std::__cxx11::basic_string<" name "${name}")
-      string(APPEND cxx_names "      \"${name}\";\n")
+      orb_linker_name("${name}" name)
+      # A result or a datum of a string type adds an ABI tag to the name.
+      if(name MATCHES "\\(")
+        string(REGEX REPLACE "^([^(]*)\\(" "\\1[abi:cxx11](" tagged "${name}")
+      else()
+        set(tagged "${name}[abi:cxx11]")
+      endif()
+      string(APPEND cxx_names "      \"${name}\";\n      \"${tagged}\";\n")
     endif()
   endforeach()
   if(cxx_names)
