@@ -119,6 +119,7 @@ class ORB_EXPORT ISysProps {
   // A version list of more than 16 MiB counts as unreadable. The version is made of the components
   // that the version text has, three at most; a missing text, or one of more than 255 bytes, counts
   // as empty, and a missing component as 0 in the server test.
+  // Quirk: an empty compatibility list hides a version list beside it: the result is false.
   // Quirk: the server test of a version list reads the version's major and minor number at their
   // places in a buffer that the build text has since overwritten: it looks at the leading digits of
   // the build text and at the bytes that follow, so that build "9..." never counts as a server.
