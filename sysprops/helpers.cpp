@@ -5,9 +5,7 @@
 #include <algorithm>
 #include <cerrno>
 #include <cstdlib>
-#include <limits>
 #include <memory>
-#include <type_traits>
 
 #include "fileutil/conversions.h"
 #include "sysprops/collect.h"
@@ -30,27 +28,15 @@ Buffer<T> zeroed(size_t count) {
   return Buffer<T>(static_cast<T*>(calloc(count, sizeof(T))));
 }
 
-// The grid point lower + k * step is found by division: `steps` may be four thousand million.
-unsigned long long grid_point(unsigned long long value, unsigned long long upper,
-                              unsigned long long lower, unsigned steps) {
-  const unsigned long long step = (upper - lower) / steps;
-  if (step == 0 || value <= lower) return lower;
-  unsigned long long k = std::min<unsigned long long>(steps, (value - lower - 1) / step);
-  const unsigned long long point = lower + k * step;  // below `value`, so that nothing wraps
-  // Where `upper` is below `lower`, the next point may wrap: it is small then, as are all behind
-  // it.
-  const bool next_wraps = step > std::numeric_limits<unsigned long long>::max() - point;
-  return k < steps && next_wraps ? lower + steps * step : point;
-}
-
-double grid_point(double value, double upper, double lower, unsigned steps) {
-  const double step = (upper - lower) / steps;
-  double previous = lower;
-  double current = lower;
+template <class T>
+T grid_point(T value, T upper, T lower, unsigned steps) {
+  const T step = (upper - lower) / steps;
+  T previous = lower;
   for (unsigned i = 0; i < steps; ++i) {
-    current += step;
-    if (!(value > current)) break;   // a value that is no number stops here too
-    if (current == previous) break;  // too small a step to move: no later one moves either
+    const T current = previous + step;
+    // The first holds for a value that is no number too; by the second, no later point moves
+    // either.
+    if (!(value > current) || current == previous) break;
     previous = current;
   }
   return previous;

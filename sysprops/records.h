@@ -281,7 +281,8 @@ ORB_EXPORT std::wstring sysprops_ansi_to_wide(const std::string& text);
 // Rounds `value` down onto the grid lower + k * ((upper - lower) / steps), 0 <= k <= steps, so that
 // amounts change in coarse steps. The result is the largest grid point strictly below `value`, or
 // `lower` when there is none; with `steps` 0 the smaller of `value` and `lower`. For unsigned long
-// long the division drops its remainder, and an `upper` below `lower` wraps modulo 2^64.
+// long the division drops its remainder, and an `upper` below `lower` wraps modulo 2^64. Takes
+// time in proportion to `steps`.
 // Quirk: a value that lies on the grid gives the point below it: 35 in twentieths of 100 gives 30.
 // Quirk: where that grid point is 0, `value` itself is the result, so that a small amount never
 // reads as nothing: 3 in twentieths of 100 gives 3.

@@ -125,7 +125,7 @@ INSTANTIATE_TEST_SUITE_P(
                  L"0.50",
                  L"0.00",
                  {{L"/a", {L"0.12", L"0.00"}}, {L"/b", {L"0.38", L"0.00"}}}}),
-    [](const auto& info) { return info.param.name; });
+    [](const auto& row) { return std::string(row.param.name); });
 
 TEST(DiskRecord, QuirkSecondCollectionKeepsTheFirstTexts) {
   orbtest::FakeSystem system;

@@ -59,7 +59,7 @@ INSTANTIATE_TEST_SUITE_P(
         NameCase{"I5ii", kModel, 0x69356969, "PentiumII"},
         NameCase{"I5iv", kModel, 0x69356976, "Pentium 4"},
         NameCase{"Ixxx", kModel, 0x69787878, "X86"}),
-    [](const auto& info) { return info.param.name; });
+    [](const auto& row) { return std::string(row.param.name); });
 
 INSTANTIATE_TEST_SUITE_P(UnknownModels, GestaltName,
                          testing::Values(NameCase{"Negative", kModel, -1, nullptr},
@@ -70,7 +70,7 @@ INSTANTIATE_TEST_SUITE_P(UnknownModels, GestaltName,
                                          NameCase{"BeyondThirtyTwoBits", kModel, 0x100000101,
                                                   nullptr},
                                          NameCase{"Largest", kModel, LONG_MAX, nullptr}),
-                         [](const auto& info) { return info.param.name; });
+                         [](const auto& row) { return std::string(row.param.name); });
 
 INSTANTIATE_TEST_SUITE_P(Architectures, GestaltName,
                          testing::Values(NameCase{"MC680x0", kArchitecture, 1, "MC680x0"},
@@ -80,7 +80,7 @@ INSTANTIATE_TEST_SUITE_P(Architectures, GestaltName,
                                          NameCase{"Three", kArchitecture, 3, nullptr},
                                          NameCase{"Arm", kArchitecture, 20, nullptr},
                                          NameCase{"Negative", kArchitecture, -10, nullptr}),
-                         [](const auto& info) { return info.param.name; });
+                         [](const auto& row) { return std::string(row.param.name); });
 
 }  // namespace
 }  // namespace quillon_com::orb::sysprops

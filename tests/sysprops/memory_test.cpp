@@ -62,7 +62,7 @@ INSTANTIATE_TEST_SUITE_P(
         MemoryCase{"SixteenKilobytePagesAboveFourGigabytes", 68719476736, Pages{1048576, 16384},
                    true, L"68719476736", L"17179869180"},  // 5 × 3,435,973,836, four below
         MemoryCase{"LargestTotal", UINT64_MAX, Pages{0, 1}, true, L"18446744073709551615", L"0"}),
-    [](const auto& info) { return info.param.name; });
+    [](const auto& row) { return std::string(row.param.name); });
 
 TEST(MemoryFields, TotalAloneDoesNotCountFreePages) {
   orbtest::FakeSystem system;

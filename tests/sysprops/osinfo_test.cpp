@@ -82,7 +82,7 @@ INSTANTIATE_TEST_SUITE_P(
         VersionCase{"TextsOfUtf8", "1\xC3\xA9.2", "\xC3\xA9", L"1\u00E9.2", L"old", L"\u00E9"},
         VersionCase{"TextEndsAtAZeroByte", std::string("10.1\0.2", 7), std::string("19\0H", 4),
                     L"10.1", L"old", L"19"}),
-    [](const auto& info) { return info.param.name; });
+    [](const auto& row) { return std::string(row.param.name); });
 
 TEST(VersionBufferLimit, TextOf255BytesFits) {
   const FakeSystem system = machine("9." + std::string(253, '1'), std::string(255, '8'));
@@ -194,7 +194,7 @@ INSTANTIATE_TEST_SUITE_P(
                    s.sizes[kList] = UINT64_MAX;
                  },
                  nullptr}),
-    [](const auto& info) { return info.param.name; });
+    [](const auto& row) { return std::string(row.param.name); });
 
 struct ServerCase {
   const char* name;
@@ -256,7 +256,7 @@ INSTANTIATE_TEST_SUITE_P(
         ServerCase{"MissingMinorCountsAsZero", "11", "20G165", &kOldTool, "Server", kServer},
         ServerCase{"BuildLargerThanAnyNumber", "10.15", std::string(200, '9'), nullptr, "Server",
                    kWorkstation}),
-    [](const auto& info) { return info.param.name; });
+    [](const auto& row) { return std::string(row.param.name); });
 
 INSTANTIATE_TEST_SUITE_P(
     Outputs, ServerTest,
@@ -270,7 +270,7 @@ INSTANTIATE_TEST_SUITE_P(
                    std::string(25, '-') + "Server", kWorkstation},
         ServerCase{"BehindAZeroByte", "10.15.7", "19H2", &kOldTool, std::string("Mac\0Server", 10),
                    kWorkstation}),
-    [](const auto& info) { return info.param.name; });
+    [](const auto& row) { return std::string(row.param.name); });
 
 TEST(ServerTool, ThatCannotBeStartedIsNoServer) {
   const FakeSystem system = machine("10.15.7", "19H2");
@@ -314,7 +314,7 @@ INSTANTIATE_TEST_SUITE_P(
                     BitCase{"ToolCannotBeStarted", "arm64", std::nullopt, true, L"-1"},
                     BitCase{"UnknownNameAsksTheTool", std::nullopt, "1", true, L"1"},
                     BitCase{"NothingTells", std::nullopt, std::nullopt, true, L"-1"}),
-    [](const auto& info) { return info.param.name; });
+    [](const auto& row) { return std::string(row.param.name); });
 
 TEST(OsFields, IdentityRunsNoTool) {
   FakeSystem system = machine("10.15.7", "19H2");
@@ -378,7 +378,7 @@ TEST(ReleaseFiles, PatchLevelIsWritten) {
 
 TEST(ReleaseFiles, ThatTellNothingGiveTheKernel) {
   FakeSystem system;
-  system.release = platform::ReleaseTexts{};
+  system.release.emplace();
   system.kernel = platform::KernelNames{"node", "i686", "5.10"};
   OSInformation record;
   EXPECT_TRUE(collect_os(system, record));
@@ -393,7 +393,7 @@ TEST(ReleaseFiles, ThatTellNothingGiveTheKernel) {
 
 TEST(ReleaseFiles, WithoutAKernelLeaveWhatItWouldTell) {
   FakeSystem system;
-  system.release = platform::ReleaseTexts{};
+  system.release.emplace();
   OSInformation record;
   EXPECT_TRUE(collect_os(system, record));
   EXPECT_EQ(L"Unknown", record.osOemId);
@@ -404,7 +404,7 @@ TEST(ReleaseFiles, WithoutAKernelLeaveWhatItWouldTell) {
 
 TEST(ReleaseFiles, ComeBeforeAVersionList) {
   FakeSystem system = machine("10.15.7", "19H2");
-  system.release = platform::ReleaseTexts{};
+  system.release.emplace();
   OSInformation record;
   EXPECT_TRUE(collect_os(system, record));
   EXPECT_EQ(L"LINUX", record.platformId);

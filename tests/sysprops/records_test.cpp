@@ -76,7 +76,7 @@ TEST(Records, DiskHasThreeDefaultsAndNoFileSystem) {
   EXPECT_TRUE(fresh.fileSystems.empty());
   expect_in_order(
       {&fresh.totalDiskSpace, &fresh.freeDiskSpace, &fresh.numFileSystems, &fresh.fileSystems});
-  static_assert(kPlain<DiskInformation>);
+  static_assert(!std::is_polymorphic_v<DiskInformation>);
   static_assert(std::is_same_v<decltype(DiskInformation::fileSystems),
                                std::map<std::wstring, std::pair<std::wstring, std::wstring>>>);
 }

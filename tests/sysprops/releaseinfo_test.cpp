@@ -191,7 +191,7 @@ INSTANTIATE_TEST_SUITE_P(
                     "0-18-amd64",
                     false},
         ReleaseCase{"NothingAtAll", {}, "", "6.1.0-18-amd64", "0-18-amd64", false}),
-    [](const auto& info) { return info.param.name; });
+    [](const auto& row) { return std::string(row.param.name); });
 
 struct WordCase {
   const char* name;
@@ -216,7 +216,7 @@ INSTANTIATE_TEST_SUITE_P(
                     WordCase{"LetterCaseCounts", "Oracle Linux server", false},
                     WordCase{"InBrackets", "Linux (Server)", false},
                     WordCase{"SuseHasFewerWords", "openSUSE Enterprise", false}),
-    [](const auto& info) { return info.param.name; });
+    [](const auto& row) { return std::string(row.param.name); });
 
 TEST(ServerByChassis, IsOneMadeForServers) {
   for (int chassis = 0; chassis <= 40; ++chassis) {
@@ -247,7 +247,7 @@ INSTANTIATE_TEST_SUITE_P(Machines, BitMode,
                                          MachineCase{"i386", "0"}, MachineCase{"i686", "0"},
                                          MachineCase{"armv7l", "0"}, MachineCase{"armv8l", "0"},
                                          MachineCase{"ppc", "0"}),
-                         [](const auto& info) { return info.param.machine; });
+                         [](const auto& row) { return std::string(row.param.machine); });
 
 }  // namespace
 }  // namespace quillon_com::orb::sysprops
