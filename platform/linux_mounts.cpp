@@ -39,6 +39,7 @@ bool is_octal(char c) { return c >= '0' && c <= '7'; }
 
 // The kernel writes a blank, tab, line end and backslash as a backslash and three octal digits.
 std::string decoded(std::string_view field) {
+  if (field.find('\\') == std::string_view::npos) return std::string(field);
   std::string text;
   text.reserve(field.size());
   for (size_t i = 0; i < field.size(); ++i) {

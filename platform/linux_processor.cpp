@@ -18,7 +18,9 @@ constexpr uint64_t kKilo = 1000;
 }  // namespace
 
 CpuInfo LinuxSystem::read_cpu_info() const {
-  return cpu_info(text_of("/proc/cpuinfo", kCpuInfoLimit));
+  CpuInfo info = cpu_info(text_of("/proc/cpuinfo", kCpuInfoLimit));
+  if (info.hypervisor && is_running_machine()) seen_hypervisor_ = true;
+  return info;
 }
 
 std::optional<uint64_t> LinuxSystem::number_in(const std::string& path) const {
@@ -78,7 +80,7 @@ Chassis LinuxSystem::chassis() const {
   if (const auto type = number_in("/sys/class/dmi/id/chassis_type")) {
     return is_portable_chassis(*type) ? Chassis::portable : Chassis::stationary;
   }
-  if (read_cpu_info().hypervisor) return Chassis::stationary;
+  if (seen_hypervisor_ || read_cpu_info().hypervisor) return Chassis::stationary;
   const std::string kind = first_line(text_of("/proc/device-tree/chassis-type"));
   if (kind == "laptop" || kind == "tablet" || kind == "convertible" || kind == "handset") {
     return Chassis::portable;

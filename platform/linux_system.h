@@ -1,6 +1,7 @@
 // platform/linux_system.h: the facts of a Linux machine.
 #pragma once
 
+#include <atomic>
 #include <string>
 #include <vector>
 
@@ -81,6 +82,9 @@ class LinuxSystem : public PosixSystem {
   std::vector<SessionEntry> session_files() const;
 
   const std::string root_;
+  // A running machine that was once virtual stays so; the text, which costs more than any other
+  // fact of the report, is not read again for that.
+  mutable std::atomic<bool> seen_hypervisor_{false};
   mutable SessionCursor cursor_;  // guarded by the mutex of linux_sessions.cpp
 };
 

@@ -7,8 +7,7 @@
 namespace quillon_com::orb::platform {
 namespace {
 
-constexpr std::string_view kBlanks = " \t\r\n";
-
+bool is_blank(char c) { return c == ' ' || c == '\t' || c == '\r' || c == '\n'; }
 bool is_letter(char c) { return (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z') || c == '_'; }
 bool is_digit(char c) { return c >= '0' && c <= '9'; }
 
@@ -37,7 +36,7 @@ std::string unquoted(std::string_view raw) {
       value += raw[++i];
     } else if (quote == 0 && (c == '"' || c == '\'')) {
       quote = c;
-    } else if (quote == 0 && kBlanks.find(c) != std::string_view::npos) {
+    } else if (quote == 0 && is_blank(c)) {
       break;
     } else {
       value += c;
@@ -56,9 +55,9 @@ std::string_view take_line(std::string_view* rest) {
 }
 
 std::string_view trimmed(std::string_view text) {
-  const size_t begin = text.find_first_not_of(kBlanks);
-  if (begin == std::string_view::npos) return {};
-  return text.substr(begin, text.find_last_not_of(kBlanks) - begin + 1);
+  while (!text.empty() && is_blank(text.front())) text.remove_prefix(1);
+  while (!text.empty() && is_blank(text.back())) text.remove_suffix(1);
+  return text;
 }
 
 std::optional<uint64_t> decimal_count(std::string_view text) {
