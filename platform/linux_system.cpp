@@ -16,6 +16,7 @@
 namespace quillon_com::orb::platform {
 namespace {
 
+constexpr uint64_t kKilobyte = 1024;                    // the memory table's "kB"
 constexpr size_t kMostNames = 4096;                     // of one folder
 constexpr size_t kMostResolverBytes = size_t{1} << 20;  // of one answer
 
@@ -147,27 +148,37 @@ bool LinuxSystem::release_texts(ReleaseTexts* texts) const {
 }
 
 bool LinuxSystem::total_memory(uint64_t* bytes) const {
-  if (const auto total = memory_kilobytes(text_of("/proc/meminfo"), "MemTotal")) {
-    *bytes = *total * 1024;
-    return true;
-  }
-  struct sysinfo kernel {};
-  if (!is_running_machine() || sysinfo(&kernel) != 0) return false;
-  *bytes = uint64_t{kernel.totalram} * kernel.mem_unit;
-  return true;
+  const MemoryFigures figures = memory_figures();
+  if (figures.total) *bytes = *figures.total;
+  return figures.total.has_value();
 }
 
 bool LinuxSystem::free_memory(uint64_t* pages, uint64_t* page_size) const {
-  if (const auto free = memory_kilobytes(text_of("/proc/meminfo"), "MemFree")) {
-    *pages = *free;
-    *page_size = 1024;
-    return true;
+  const MemoryFigures figures = memory_figures();
+  if (!figures.free_pages) return false;
+  *pages = *figures.free_pages;
+  *page_size = figures.page_size;
+  return true;
+}
+
+MemoryFigures LinuxSystem::memory_figures() const {
+  const std::string table = text_of("/proc/meminfo");
+  const auto total = memory_kilobytes(table, "MemTotal");
+  const auto free = memory_kilobytes(table, "MemFree");
+  MemoryFigures figures;
+  if (total) figures.total = *total * kKilobyte;
+  if (free) {
+    figures.free_pages = *free;
+    figures.page_size = kKilobyte;
   }
   struct sysinfo kernel {};
-  if (!is_running_machine() || sysinfo(&kernel) != 0) return false;
-  *pages = kernel.freeram;
-  *page_size = kernel.mem_unit;
-  return true;
+  if ((total && free) || !is_running_machine() || sysinfo(&kernel) != 0) return figures;
+  if (!total) figures.total = uint64_t{kernel.totalram} * kernel.mem_unit;
+  if (!free) {
+    figures.free_pages = kernel.freeram;
+    figures.page_size = kernel.mem_unit;
+  }
+  return figures;
 }
 
 std::string known_name(const std::string& name, const char* official, char* const* aliases) {

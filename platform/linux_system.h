@@ -54,6 +54,7 @@ class LinuxSystem : public PosixSystem {
   bool total_memory(uint64_t* bytes) const override;
   // In pages of 1024 bytes, the unit of the memory table; of one byte where the kernel is asked.
   bool free_memory(uint64_t* pages, uint64_t* page_size) const override;
+  MemoryFigures memory_figures() const override;
   // The storage of this machine, each once (linux_mounts.h). No remote file system is asked.
   std::vector<Volume> volumes() const override;
 

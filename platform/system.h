@@ -81,6 +81,13 @@ struct ReleaseTexts {
   int chassis_type = 0;        // DMI number; 0 when unknown
 };
 
+// The memory at one moment; what cannot be read is absent.
+struct MemoryFigures {
+  std::optional<uint64_t> total;       // bytes
+  std::optional<uint64_t> free_pages;  // of page_size bytes
+  uint64_t page_size = 0;
+};
+
 // One mounted file system.
 struct Volume {
   std::string mount_point;
@@ -152,6 +159,15 @@ class System {
   // Memory and storage.
   virtual bool total_memory(uint64_t* bytes) const = 0;
   virtual bool free_memory(uint64_t* pages, uint64_t* page_size) const = 0;
+  // Both at once, for a system that reads them from one source.
+  virtual MemoryFigures memory_figures() const {
+    MemoryFigures figures;
+    uint64_t total = 0;
+    if (total_memory(&total)) figures.total = total;
+    uint64_t pages = 0;
+    if (free_memory(&pages, &figures.page_size)) figures.free_pages = pages;
+    return figures;
+  }
   // Every mounted file system in the system's order; empty when the table cannot be read.
   virtual std::vector<Volume> volumes() const = 0;
 };

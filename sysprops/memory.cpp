@@ -11,16 +11,19 @@ constexpr unsigned kSteps = 20;  // of the grid that free amounts change in
 }
 
 bool collect_memory(const platform::System& system, MemoryInformation& record, Fields fields) {
-  uint64_t total = 0;
-  if (system.total_memory(&total))
-    record.totalPhysicalMemory = sysprops_ansi_to_wide(std::to_string(total));
+  platform::MemoryFigures figures;
+  if ((fields & kFreeMemory) != 0) {
+    figures = system.memory_figures();
+  } else if (uint64_t bytes = 0; system.total_memory(&bytes)) {
+    figures.total = bytes;
+  }
+  if (figures.total)
+    record.totalPhysicalMemory = sysprops_ansi_to_wide(std::to_string(*figures.total));
   if ((fields & kFreeMemory) == 0) return true;
 
-  uint64_t pages = 0;
-  uint64_t page_size = 0;
-  if (!system.free_memory(&pages, &page_size)) return false;
-  record.freeMemory = sysprops_ansi_to_wide(
-      std::to_string(get_closest_floor<unsigned long long>(pages * page_size, total, 0, kSteps)));
+  if (!figures.free_pages) return false;
+  record.freeMemory = sysprops_ansi_to_wide(std::to_string(get_closest_floor<unsigned long long>(
+      *figures.free_pages * figures.page_size, figures.total.value_or(0), 0, kSteps)));
   return true;
 }
 
