@@ -59,6 +59,8 @@ class LinuxSystem : public PosixSystem {
   std::vector<Volume> volumes() const override;
 
  protected:
+  // Whether kernel and resolver are asked as well; with an empty root alone.
+  virtual bool is_running_machine() const { return root_.empty(); }
   // The figures of the file system mounted at `point`, a folder; false when it is none or is not
   // answered.
   virtual bool storage_figures(const std::string& point, StorageFigures* figures) const;
@@ -70,7 +72,6 @@ class LinuxSystem : public PosixSystem {
     std::vector<SessionEntry> remaining;  // of the session files; the next one last
   };
 
-  bool is_running_machine() const { return root_.empty(); }
   std::string at(const std::string& path) const { return root_ + path; }
   // Empty when the file cannot be read.
   std::string text_of(const std::string& path, size_t limit = 65536) const;
