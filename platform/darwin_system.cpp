@@ -34,18 +34,17 @@ std::string field_text(const char (&field)[N]) {
   return std::string(field, strnlen(field, N));
 }
 
-// The records that the mount table holds and a few more, in case another volume comes meanwhile.
-constexpr size_t kSpareRecords = 8;
+constexpr size_t kSpareRecords = 8;  // for what is mounted between two calls
+constexpr int kMountReads = 4;       // of a table that keeps outgrowing the buffer
+constexpr size_t kMostRecords = INT_MAX / sizeof(struct statfs);
 
-// How often the mount table is read anew because it outgrew the buffer.
-constexpr int kMountReads = 4;
-
+// A full buffer may have cut the table short, so that a larger one is tried.
 std::vector<struct statfs> mount_table() {
   std::vector<struct statfs> records;
   int count = getfsstat(nullptr, 0, MNT_NOWAIT);
-  for (int reads = 0; count > 0 && reads < kMountReads; ++reads) {
-    const size_t wanted = static_cast<size_t>(count) + kSpareRecords;
-    records.assign(std::min(wanted, INT_MAX / sizeof(struct statfs)), {});
+  size_t room = static_cast<size_t>(std::max(count, 0)) + kSpareRecords;
+  for (int reads = 0; count > 0 && reads < kMountReads; ++reads, room *= 2) {
+    records.assign(std::min(room, kMostRecords), {});
     const size_t size = records.size() * sizeof(struct statfs);
     count = getfsstat(records.data(), static_cast<int>(size), MNT_NOWAIT);
     if (count >= 0 && static_cast<size_t>(count) < records.size()) break;

@@ -34,11 +34,11 @@ needed_libraries() {
   llvm-objdump --macho --dylibs-used "$1" | sed -nE 's/^[[:space:]]+(.*) \(compat.*/\1/p'
 }
 
-# Paths of the system's own libraries; what the file itself is called stands among them, too.
 is_of_the_system() {
   case $1 in
     /usr/lib/libSystem.B.dylib | /usr/lib/libc++.1.dylib) ;;
-    /System/Library/Frameworks/Core@(Services|Foundation).framework/Versions/A/*) ;;
+    /System/Library/Frameworks/CoreServices.framework/Versions/A/CoreServices) ;;
+    /System/Library/Frameworks/CoreFoundation.framework/Versions/A/CoreFoundation) ;;
     *) return 1 ;;
   esac
 }
@@ -76,7 +76,6 @@ count() { sed '/^$/d' <<<"$1" | wc -l; }
 
 file_kind() { llvm-objdump --macho --private-header "$1" | awk 'END { print $2, $5 }'; }
 
-shopt -s extglob
 status=0
 for preset in macos-arm64 macos-x86_64; do
   build "$preset" && check "$preset" || status=1
