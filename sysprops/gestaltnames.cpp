@@ -53,7 +53,7 @@ bool copy_name(const CodeName (&table)[Count], long code, char* destination) {
   if (destination == nullptr) return false;
   for (const CodeName& entry : table) {
     if (entry.code != code) continue;
-    strcpy(destination, entry.name);
+    memcpy(destination, entry.name, strlen(entry.name) + 1);
     return true;
   }
   return false;

@@ -24,7 +24,7 @@ constexpr size_t kBitFigure = 4;             // bytes of the system-control tool
 int leading_number(const char* text) { return static_cast<int>(strtol(text, nullptr, 10)); }
 
 bool holds_server(const std::string& output) {
-  const std::string text = output.c_str();  // up to a zero byte
+  const std::string text = output.substr(0, output.find('\0'));
   const std::string word = "server";
   return std::search(text.begin(), text.end(), word.begin(), word.end(), [](char a, char b) {
            return (a >= 'A' && a <= 'Z' ? a - 'A' + 'a' : a) == b;

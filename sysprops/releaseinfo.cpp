@@ -88,7 +88,7 @@ std::string release_version(const platform::ReleaseTexts& texts,
   const std::string id = field(texts, "ID");
   const std::string version = field(texts, "VERSION_ID");
   if (id == "ubuntu") {
-    const std::string exact = leading_triple(field(texts, "VERSION"));
+    std::string exact = leading_triple(field(texts, "VERSION"));
     if (!exact.empty()) return exact;
   }
   if (!version.empty()) {

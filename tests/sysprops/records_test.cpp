@@ -7,6 +7,8 @@
 #include <type_traits>
 #include <vector>
 
+#include "tests/support/scoped_local_ip.h"
+
 namespace quillon_com::orb::sysprops {
 namespace {
 
@@ -105,17 +107,10 @@ TEST(Records, CollectorHoldsTheSixRecordsAndNothingElse) {
   static_assert(std::is_default_constructible_v<ISysProps>);
 }
 
-class LastKnownAddress : public testing::Test {
- protected:
-  ~LastKnownAddress() override { ISysProps::updateLocalIP(before_); }
+TEST(LastKnownAddress, IsEmptyUntilAnUpdate) { EXPECT_EQ(L"", ISysProps::GetLastKnownLocalIP()); }
 
- private:
-  std::wstring before_ = ISysProps::GetLastKnownLocalIP();
-};
-
-TEST_F(LastKnownAddress, IsEmptyUntilAnUpdate) { EXPECT_EQ(L"", ISysProps::GetLastKnownLocalIP()); }
-
-TEST_F(LastKnownAddress, IsSharedByAllObjects) {
+TEST(LastKnownAddress, IsSharedByAllObjects) {
+  const orbtest::ScopedLocalIp restore(L"");
   ISysProps first;
   ISysProps second;
   first.updateLocalIP(L"192.0.2.7");
@@ -123,7 +118,8 @@ TEST_F(LastKnownAddress, IsSharedByAllObjects) {
   EXPECT_EQ(L"192.0.2.7", ISysProps::m_wstrLastKnownLocalIP);
 }
 
-TEST_F(LastKnownAddress, IsACopyBothWays) {
+TEST(LastKnownAddress, IsACopyBothWays) {
+  const orbtest::ScopedLocalIp restore(L"");
   std::wstring given = L"192.0.2.8";
   ISysProps::updateLocalIP(given);
   given = L"changed";
@@ -132,7 +128,8 @@ TEST_F(LastKnownAddress, IsACopyBothWays) {
   EXPECT_EQ(L"192.0.2.8", ISysProps::GetLastKnownLocalIP());
 }
 
-TEST_F(LastKnownAddress, CanBecomeEmptyAgain) {
+TEST(LastKnownAddress, CanBecomeEmptyAgain) {
+  const orbtest::ScopedLocalIp restore(L"");
   ISysProps::updateLocalIP(L"2001:db8::1");
   ISysProps::updateLocalIP(L"");
   EXPECT_EQ(L"", ISysProps::GetLastKnownLocalIP());
