@@ -21,8 +21,9 @@ ORB_EXPORT uint16_t noOfOccurences(const std::string& text, char ch, int limit);
 // Quirk: the zone goes from every text, whatever address or name it begins with.
 // Quirk: only colons are counted, so an IPv4 tail counts as one group: "::ffff:1.2.3.4" gives
 // "0:0:0:0:0:0:ffff:1.2.3.4".
-// More than seven colons around the "::" leave no group to insert: such a text is returned as it
-// was given, zone included.
+// Quirk: the colons in front of the "::", and those from its second one on, are each counted up to
+// seven, so nothing is inserted into forty colons: "0", 39 colons and "0".
+// Where both counts together pass seven, the text is returned as it was given, zone included.
 ORB_EXPORT std::string expandIPV6Address(std::string address);
 
 // The subnet of `address` under `mask`, both expanded: group AND group in lower-case hexadecimal
