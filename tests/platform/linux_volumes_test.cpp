@@ -180,7 +180,7 @@ TEST(RealFigures, TableCutByTheLimitLosesItsLastLine) {
   const std::string good = "1 0 8:1 / / rw - ext4 /dev/sda1 rw\n";
   // A table one byte longer than what is read, whose last line is cut inside its source.
   constexpr size_t kLimit = size_t{4} << 20;
-  const std::string cut = "2 0 8:2 / / rw - tmpfs /dev/sda2 rw";
+  const std::string cut = "2 0 8:2 / /b rw - ext4 /dev/sda2 rw";
   std::string table = good + std::string(kLimit - good.size() - 30, '\n') + cut + "\n";
   root.write("/proc/self/mountinfo", table);
   ScriptedStorage system(root);
