@@ -24,7 +24,7 @@ const std::string kAscii = [] {                 // 1 KiB
 }();
 const std::string kMixed = [] {  // 1 KiB: words in several scripts with blanks between
   std::string text;
-  while (text.size() < 1000)
+  while (text.size() < 990)
     text += "na\xC3\xAFve caf\xC3\xA9 \xE2\x82\xAC 12 \xE6\x97\xA5\xE6\x9C\xAC ";
   return text + std::string(1024 - text.size(), '.');
 }();

@@ -84,9 +84,10 @@ namespace orb {
 // The functions below return a new string and report no failure: memory that runs out gives an
 // empty one.
 
-// UTF-8 text to wide text, up to the first zero byte or the first invalid sequence.
+// UTF-8 text to wide text, and back, as by the converters above: up to the first zero element or
+// the first that has no other form. Quirk: a text that needs a room of 2^31 elements or more, by
+// the converters' count, gives an empty one.
 ORB_EXPORT std::wstring voxcomn_ansi_to_wide(const std::string& text);
-// Wide text to UTF-8, up to the first zero element, surrogate or value above 0x10FFFF.
 ORB_EXPORT std::string voxcomn_wide_to_ansi(const std::wstring& text);
 
 // Decimal digits, with "-" before a negative number.

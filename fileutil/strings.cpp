@@ -1,36 +1,39 @@
 // fileutil/strings.cpp: the conversions between string objects.
 #include <charconv>
-#include <cstdint>
+#include <climits>
 #include <cstdlib>
+#include <cstring>
+#include <cwchar>
 #include <memory>
 #include <new>
 #include <string>
 
 #include "fileutil/conversions.h"
+#include "fileutil/utf8.h"
 
 namespace quillon_com::orb {
 namespace {
+
+// The converters' rooms are signed 32-bit numbers: n + 1 wide characters, 6 n + 1 bytes.
+constexpr size_t kMostRoom = INT_MAX;
 
 struct Free {
   void operator()(void* block) const { std::free(block); }
 };
 
-// Room for a converter's result: on the stack when it is short, else from malloc.
+// Room for a conversion's result: on the stack when it is short, else from malloc.
 template <class Char>
 class WorkBuffer {
  public:
   explicit WorkBuffer(size_t room) {
-    if (room > kShort) {
-      heap_.reset(static_cast<Char*>(
-          room > SIZE_MAX / sizeof(Char) ? nullptr : std::malloc(room * sizeof(Char))));
-      text_ = heap_.get();
-    }
-    if (text_ != nullptr) text_[0] = Char{};
+    if (room <= kShort) return;
+    heap_.reset(static_cast<Char*>(std::malloc(room * sizeof(Char))));
+    text_ = heap_.get();
   }
-  Char* get() { return text_; }  // null when there was no memory, else holds an empty text
+  Char* get() { return text_; }  // null when there was no memory
 
  private:
-  static constexpr size_t kShort = 256;
+  static constexpr size_t kShort = 8192 / sizeof(Char);
   Char short_[kShort];
   std::unique_ptr<Char[], Free> heap_;
   Char* text_ = short_;
@@ -67,19 +70,19 @@ bool is_space(char byte) { return isspace(static_cast<unsigned char>(byte)) != 0
 }  // namespace
 
 std::wstring voxcomn_ansi_to_wide(const std::string& text) {
-  WorkBuffer<wchar_t> work(text.size() + 1);
+  if (text.size() > kMostRoom - 1) return {};
+  WorkBuffer<wchar_t> work(text.size());
   if (work.get() == nullptr) return {};
-  int capacity = static_cast<int>(text.size() + 1);
-  voxcomn_utf8_to_unicode(text.c_str(), work.get(), &capacity);
-  return or_empty([&] { return std::wstring(work.get()); });
+  const size_t length = decode_utf8(text.c_str(), std::strlen(text.c_str()), work.get());
+  return or_empty([&] { return std::wstring(work.get(), length); });
 }
 
 std::string voxcomn_wide_to_ansi(const std::wstring& text) {
-  WorkBuffer<char> work(text.size() * 6 + 1);
+  if (text.size() > (kMostRoom - 1) / 6) return {};
+  WorkBuffer<char> work(text.size() * 4);
   if (work.get() == nullptr) return {};
-  auto capacity = static_cast<unsigned>(text.size() * 6 + 1);
-  voxcomn_unicode_to_utf8(text.c_str(), work.get(), &capacity);
-  return or_empty([&] { return std::string(work.get()); });
+  const size_t length = encode_utf8(text.c_str(), std::wcslen(text.c_str()), work.get());
+  return or_empty([&] { return std::string(work.get(), length); });
 }
 
 std::wstring voxcomn_long_to_wide_string(const long& value) { return decimal<std::wstring>(value); }
