@@ -13,7 +13,7 @@
 namespace quillon_com::orb {
 namespace {
 
-constexpr size_t kRun = 16;  // elements that the ASCII loops take at once
+constexpr size_t kRun = 32;  // elements that the ASCII loops take at once
 
 bool continues(unsigned char byte) { return (byte & 0xC0) == 0x80; }
 
@@ -23,7 +23,7 @@ size_t widen_ascii(const unsigned char* text, size_t length, wchar_t* out) {
   for (; length - done >= kRun; done += kRun) {
     uint64_t words[kRun / sizeof(uint64_t)];
     std::memcpy(words, text + done, kRun);
-    if (((words[0] | words[1]) & 0x8080808080808080U) != 0) break;
+    if (((words[0] | words[1] | words[2] | words[3]) & 0x8080808080808080U) != 0) break;
     for (size_t i = 0; i < kRun; ++i) out[done + i] = text[done + i];
   }
   return done;

@@ -212,6 +212,22 @@ TEST(RoomOfWide, DecidesByBytes) {
   }
 }
 
+// A fault, or a character of several bytes, at every place of texts around the length of a run.
+TEST(Utf8Converters, PlacesAroundARunOfAscii) {
+  for (size_t length = 1; length <= 100; ++length) {
+    for (size_t at = 0; at < length; ++at) {
+      const std::string front(at, 'f');
+      const std::string back(length - at - 1, 'b');
+      const std::wstring wide_front(at, L'f');
+      const std::wstring wide_back(length - at - 1, L'b');
+      ASSERT_EQ(wide_front, to_wide(front + "\x80" + back)) << length << " " << at;
+      ASSERT_EQ(front, to_utf8(wide_front + wchar_t(0xD800) + wide_back)) << length << " " << at;
+      ASSERT_EQ(wide_front + L"\xE9" + wide_back, to_wide(front + "\xC3\xA9" + back));
+      ASSERT_EQ(front + "\xC3\xA9" + back, to_utf8(wide_front + L"\xE9" + wide_back));
+    }
+  }
+}
+
 // A text of more than 4 GiB that takes 16 MiB of memory: one file mapped over and over.
 class HugeText {
  public:
