@@ -19,15 +19,10 @@ build() {
   fi
 }
 
-# The names in the form of the list: without the standard libraries' inline name spaces and tags.
-plain_names() {
-  sed -E 's/std::(__cxx11|__1)::/std::/g; s/\[abi:[A-Za-z0-9]+\]//g' | LC_ALL=C sort -u
-}
-
-# Every symbol carries an underscore of its own on macOS.
-defined_names() {
-  llvm-nm --extern-only --defined-only --format=just-symbols "$1" | sed 's/^_//' | c++filt |
-    plain_names
+# The names of the list, or those that a library has beyond its own: the C++ library that the cross
+# build links into it leaves its allocation operators visible.
+names() {
+  grep -vE '^(#|$|operator (new|delete)\b)' | LC_ALL=C sort -u
 }
 
 needed_libraries() {
@@ -43,32 +38,49 @@ is_of_the_system() {
   esac
 }
 
-# check PRESET: the library and the tool of one build; prints what is wrong, then the summary.
-check() {
-  local library=build/$1/liborbcommon.1.dylib tool=build/$1/tools/orbprops/orbprops
-  local bad=0 wanted missing file path used=()
-  wanted=$(grep -vE '^(#|$)' "$list" | plain_names || true)
-  missing=$(LC_ALL=C comm -23 <(echo "$wanted") <(defined_names "$library") | sed '/^$/d')
-  if [ -z "$wanted" ]; then
+# check_names PRESET LIBRARY: what is listed must be defined, and nothing else.
+check_names() {
+  local listed defined missing surplus
+  listed=$(names <"$list" || true)
+  defined=$(scripts/exported_names.sh "$2" | names || true)
+  missing=$(LC_ALL=C comm -23 <(echo "$listed") <(echo "$defined"))
+  surplus=$(LC_ALL=C comm -13 <(echo "$listed") <(echo "$defined"))
+  names_summary="$(count "$listed") names listed, $(count "$missing") missing,"
+  names_summary+=" $(count "$surplus") beyond them"
+  if [ -z "$listed" ]; then
     echo "$1: $list names nothing: no export was checked" >&2
-    bad=1
-  elif [ -n "$missing" ]; then
-    echo "$1: not defined:"$'\n'"$missing" >&2
-    bad=1
+    return 1
   fi
-  for file in "$library" "$tool"; do
-    [ "$file" != "$tool" ] || [ -d tools/orbprops ] || continue
+  [ -z "$missing" ] || printf '%s: not defined:\n%s\n' "$1" "$missing" >&2
+  [ -z "$surplus" ] || printf '%s: defined, but not listed:\n%s\n' "$1" "$surplus" >&2
+  [ -z "$missing$surplus" ]
+}
+
+# check_needs PRESET FILE...: each may need libraries of the system and ours.
+check_needs() {
+  local preset=$1 file path bad=0 used=()
+  shift
+  for file in "$@"; do
     while read -r path; do
       if is_of_the_system "$path"; then
         used+=("$(basename "$path")")
-      elif [ "$(basename "$path")" != "$(basename "$library")" ]; then
-        echo "$1: $file needs $path" >&2
+      elif [ "$(basename "$path")" != liborbcommon.1.dylib ]; then
+        echo "$preset: $file needs $path" >&2
         bad=1
       fi
     done < <(needed_libraries "$file")
   done
-  echo "$1: $(file_kind "$library"), $(count "$wanted") names listed, $(count "$missing") missing," \
-    "needs $(printf '%s\n' "${used[@]}" | sort -u | paste -sd ' ')"
+  needs_summary="needs $(printf '%s\n' "${used[@]}" | sort -u | paste -sd ' ')"
+  return $bad
+}
+
+# check PRESET: the library and the tool of one build; prints what is wrong, then the summary.
+check() {
+  local library=build/$1/liborbcommon.1.dylib tool=build/$1/tools/orbprops/orbprops
+  local bad=0 names_summary='' needs_summary=''
+  check_names "$1" "$library" || bad=1
+  check_needs "$1" "$library" "$tool" || bad=1
+  echo "$1: $(file_kind "$library"), $names_summary; tool $(file_kind "$tool"); $needs_summary"
   return $bad
 }
 
