@@ -3,7 +3,7 @@
 
 packages_build=(g++ cmake ninja-build libcli11-dev nlohmann-json3-dev)
 packages_test=(libgtest-dev libgmock-dev python3 python3-jsonschema iproute2 procps groff man-db
-  fish zsh util-linux hostname)
+  fish zsh util-linux hostname locales)
 packages_check=(clang clang-format clang-tidy clang-tools lld llvm libclang-rt-14-dev shellcheck
   binutils git)
 packages_bench=(libbenchmark-dev iproute2)

@@ -5,6 +5,7 @@
 #include <cstdio>
 
 #include "fileutil/conversions.h"
+#include "tests/support/latin_locale.h"
 #include "tests/support/scoped_locale.h"
 
 namespace {
@@ -45,6 +46,16 @@ TEST(CharacterClass, AgreesWithTheLibraryInItsLocales) {
     ASSERT_TRUE(locale.set()) << name;
     expect_same(name);
   }
+}
+
+TEST(CharacterClass, FollowsTheLocaleOfTheProcess) {
+  const orbtest::LatinLocale latin;
+  if (!latin.set()) GTEST_SKIP() << "needs localedef and the package locales";
+  expect_same("latin");
+  EXPECT_NE(0, ours().alnum(0xE9));
+  EXPECT_EQ(0xC9, ours().upper(0xE9));
+  EXPECT_EQ(0xBE, ours().upper(0xFF));  // the last byte is no end of file
+  EXPECT_EQ(0xE9, ours().lower(0xC9));
 }
 
 TEST(CharacterClass, AsciiByHand) {

@@ -6,6 +6,7 @@
 #include <string>
 
 #include "fileutil/conversions.h"
+#include "tests/support/latin_locale.h"
 #include "tests/support/scoped_locale.h"
 
 namespace {
@@ -100,6 +101,17 @@ INSTANTIATE_TEST_SUITE_P(
                     WideCase{"InvalidIsFailureBehindItsPrefix", "C.utf8", "ab\xFF", 16, 0, L"ab"},
                     WideCase{"InvalidWithNegativeCount", "C.utf8", "ab\xFF", -1, 0, L"ab"}),
     [](const auto& row) { return row.param.name; });
+
+TEST(LocaleText, FollowsTheLocaleOfTheProcess) {
+  const orbtest::LatinLocale latin;
+  if (!latin.set()) GTEST_SKIP() << "needs localedef and the package locales";
+  char narrow[8];
+  wchar_t wide[8];
+  EXPECT_EQ(2, voxStandardUtoA(L"\x20AC\xE9", 8, narrow));
+  EXPECT_STREQ("\xA4\xE9", narrow);
+  EXPECT_EQ(2, voxStandardAtoU("\xA4\xE9", -1, wide));
+  EXPECT_STREQ(L"\x20AC\xE9", wide);
+}
 
 TEST(LocaleText, FailureLeavesTheLibrarysErrno) {
   ScopedLocale locale("C");

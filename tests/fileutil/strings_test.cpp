@@ -6,6 +6,7 @@
 
 #include "fileutil/conversions.h"
 #include "tests/support/faults.h"
+#include "tests/support/latin_locale.h"
 #include "tests/support/scoped_locale.h"
 
 namespace {
@@ -98,6 +99,14 @@ TEST(Case, QuirkMultibyteCharactersAreMappedByteByByte) {
     EXPECT_EQ("\xC3\xA9", voxcomn_convert_to_upper("\xC3\xA9")) << name;
     EXPECT_EQ("\xC3\x89", voxcomn_convert_to_lower("\xC3\x89")) << name;
   }
+}
+
+TEST(Case, FollowsTheLocaleForEveryByte) {
+  const orbtest::LatinLocale latin;
+  if (!latin.set()) GTEST_SKIP() << "needs localedef and the package locales";
+  EXPECT_EQ("\xC9\xBE", voxcomn_convert_to_upper("\xE9\xFF"));
+  EXPECT_EQ("\xE9\xFF", voxcomn_convert_to_lower("\xC9\xBE"));
+  EXPECT_EQ("\xC3\xA9", voxcomn_wide_to_ansi(L"\xE9"));
 }
 
 struct StripCase {

@@ -6,6 +6,7 @@
 
 #include "session/collect.h"
 #include "session/loggedonusers.h"
+#include "tests/support/latin_locale.h"
 #include "tests/support/scoped_locale.h"
 
 namespace {
@@ -41,6 +42,15 @@ INSTANTIATE_TEST_SUITE_P(
                              "a\xFF",
                              "a"}),
     [](const auto& row) { return row.param.name; });
+
+TEST(UserText, LettersAreThoseOfTheLocale) {
+  const orbtest::LatinLocale latin;
+  if (!latin.set()) GTEST_SKIP() << "needs localedef and the package locales";
+  EXPECT_EQ("\xE9t\xFF", trimmer(" \xE9t\xFF|"));
+  std::string name = "\xC9T\xBE";
+  toLower(name);
+  EXPECT_EQ("\xE9t\xFF", name);
+}
 
 struct SplitCase {
   const char* name;

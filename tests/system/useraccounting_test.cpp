@@ -162,6 +162,46 @@ TEST(UserAccounting, GroupMethodReadsTheAccountsOfTheMachine) {
       });
 }
 
+TEST(UserAccounting, ListsAndLineAreMadeOnTheMachine) {
+  const std::string frame = kFirstLine +
+                            "7  1  Zoe  tty1 \n%7  2  CorpUser  tty2 \n"
+                            "found group struct corp. \nNetwork User logged on corp\\corpuser \n" +
+                            kLastLine;
+  const auto scan = [&frame](const std::string& local_line) {
+    return std::string(frame).replace(frame.find('%'), 1, local_line);
+  };
+  const std::string local_line = "Local User Logged on zoe \n";
+  EXPECT_WRITES(
+      "found group struct corp. \n1 corp\n0 corp\n" + scan(local_line) + "corp\\corpuser;zoe\n" +
+          scan("") + "corp\\corpuser;kept\n" + scan(local_line) + "corp\\corpuser,zoe\n",
+      [] {
+        if (!cover_folder("/var/run") ||
+            !replace_file("/etc/passwd", "/var/run/passwd",
+                          "root:x:0:0::/root:/bin/sh\nCorpUser:x:1001:70000::/:/bin/sh\n") ||
+            !replace_file("/etc/group", "/var/run/group", "Corp\\domain users:x:70000:\n")) {
+          return false;
+        }
+        write_file(kAccountingFile, record(USER_PROCESS, "1", "Zoe", "tty1") +
+                                        record(USER_PROCESS, "2", "CorpUser", "tty2"));
+        std::string domain;
+        bool found = FindDomainName("CorpUser", domain);
+        std::printf("%d %s\n", found, domain.c_str());
+        found = FindDomainName("nobody-of-this-name", domain);
+        std::printf("%d %s\n", found, domain.c_str());
+        std::string network;
+        std::string local = "kept";
+        CollectComaSepLoggedonUsers(network, local, false);
+        std::printf("%s;%s\n", network.c_str(), local.c_str());
+        local = "kept";
+        CollectComaSepLoggedonUsers(network, local, true);
+        std::printf("%s;%s\n", network.c_str(), local.c_str());
+        std::string all;
+        CollectAllLoggedonUsers(all);
+        std::printf("%s\n", all.c_str());
+        return true;
+      });
+}
+
 // A directory-service command at its real path, over the machine's own programs.
 TEST(UserAccounting, DirectoryServiceIsAskedThroughTheShell) {
   const std::string lines = "7  1  CorpUser  tty1 \n";
