@@ -112,13 +112,13 @@ bool from_version_list(const platform::System& system, OSInformation& record, Fi
   std::string bytes;
   std::vector<std::optional<std::string>> texts;
   if (!read_list(system, &bytes)) return false;
-  if (!system.property_list_texts(bytes, {"ProductVersion", "ProductBuildVersion"}, &texts))
-    return false;
+  if (!system.property_list_texts(bytes, {"ProductVersion"}, &texts)) return false;
   VersionBuffer version;
   version.store(texts[0]);
   version.split();
   write_version(version, record);
-  version.store(texts[1]);
+  if (!system.property_list_texts(bytes, {"ProductBuildVersion"}, &texts)) return false;
+  version.store(texts[0]);
   record.osBuildNum = sysprops_ansi_to_wide(version.text());
 
   if ((fields & kOsPlatform) != 0)

@@ -118,11 +118,12 @@ class ORB_EXPORT ISysProps {
   // version lists is identified by its release files, and the result is true.
   // A version list of more than 16 MiB counts as unreadable. The version is made of the components
   // that the version text has, three at most; a missing text, or one of more than 255 bytes, counts
-  // as empty, and a missing component as 0 in the server test.
-  // Quirk: an empty compatibility list hides a version list beside it: the result is false.
-  // Quirk: the server test of a version list reads the version's major and minor number at their
-  // places in a buffer that the build text has since overwritten: it looks at the leading digits of
-  // the build text and at the bytes that follow, so that build "9..." never counts as a server.
+  // as empty, and a missing component as 0 in the server test. When memory runs out between the
+  // two, the version is written, the build is not, and the result is false. Quirk: an empty
+  // compatibility list hides a version list beside it: the result is false. Quirk: the server test
+  // of a version list reads the version's major and minor number at their places in a buffer that
+  // the build text has since overwritten: it looks at the leading digits of the build text and at
+  // the bytes that follow, so that build "9..." never counts as a server.
   bool GetOSInformation(OSInformation& record);
   // Always returns true. Only local file systems with blocks count; free is the blocks kept for the
   // superuser included, rounded down to a grid of twentieths (get_closest_floor). The decimal point
@@ -132,10 +133,10 @@ class ORB_EXPORT ISysProps {
   bool GetDiskInformation(DiskInformation& record);
   // Always returns true. `timeZone` is the standard-time abbreviation as the C library holds it,
   // read together with the time under a lock of its own: the host process calls tzset when it
-  // starts and after a change of zone; no collector does. `lastUpdate`, month first, keeps its value when the time has no local
-  // form. `defaultLangId` is "0809" when the environment variable LANG contains "en_UK", else
-  // "0411" when it contains "ja_JP", else "0409". Scans the user accounting as
-  // session/loggedonusers.h says, diagnostic lines on standard output included.
+  // starts and after a change of zone; no collector does. `lastUpdate`, month first, keeps its
+  // value when the time has no local form. `defaultLangId` is "0809" when the environment variable
+  // LANG contains "en_UK", else "0411" when it contains "ja_JP", else "0409". Scans the user
+  // accounting as session/loggedonusers.h says, diagnostic lines on standard output included.
   // Quirk: `userName` without a logged-on user is "NA", not the record's default "N/A".
   bool GetMiscInformation(MiscInformation& record);
 

@@ -31,6 +31,8 @@ const std::string kServerTool = "serverinfo --productname";
 const std::string kVersionTool = "sw_vers -productName";
 const std::string kBitTool = "sysctl hw | grep 64bit | awk '{ print $2 }'";
 
+using MacVersions = MacTest;
+
 class MacSystems : public MacTest, public testing::WithParamInterface<SystemRow> {
  protected:
   ScriptedMachine machine;
@@ -190,6 +192,28 @@ INSTANTIATE_TEST_SUITE_P(
                   L"N/A",
                   {}}),
     [](const auto& row) { return row.param.name; });
+
+TEST_F(MacVersions, AKeyThatCannotBeMadeKeepsWhatWasWrittenBefore) {
+  struct Row {
+    const char* name;
+    int keys;  // that can be made
+    const wchar_t *version, *patch;
+  };
+  const Row rows[] = {{"VersionKey", 0, L"N/A", L"N/A"}, {"BuildKey", 1, L"10.15.7", L"7"}};
+  for (const Row& row : rows) {
+    mac().lists["list"] = version_list("10.15.7", "19H15");
+    mac().text_objects = row.keys;
+    ScriptedMachine machine;
+    machine.files[kVersionList] = "list";
+    OSInformation record;
+    EXPECT_FALSE(collect_os(machine, record)) << row.name;
+    EXPECT_EQ(L"MAC", record.platformId) << row.name;
+    EXPECT_EQ(row.version, record.osVersion) << row.name;
+    EXPECT_EQ(row.patch, record.osCsdVersion) << row.name;
+    EXPECT_EQ(L"N/A", record.osBuildNum) << row.name;
+    EXPECT_EQ(L"N/A", record.osPlatform) << row.name;
+  }
+}
 
 }  // namespace
 }  // namespace orbtest
