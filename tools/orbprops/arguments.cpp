@@ -15,7 +15,7 @@ const char kHelp[] =
     "\n"
     "Commands:\n"
     "  report         all properties and the file systems (the default)\n"
-    "  get KEY...     the values of properties: alone for one key, else behind the key\n"
+    "  get KEY...     the values of properties, behind their keys when several\n"
     "  keys           the keys that get answers\n"
     "  filesystems    the local file systems and how full they are\n"
     "  interfaces     the network interfaces and their addresses\n"

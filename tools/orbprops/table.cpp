@@ -104,6 +104,10 @@ std::string pair_lines(const std::vector<Pair>& pairs, size_t indent, size_t key
     const size_t key_width = std::max(key_columns, pair.key.size());
     size_t lead = indent + key_width + kGap;
     out += blanks(indent) + paint(pair.key, Ink::title, style);
+    if (pair.value.empty()) {
+      out += '\n';
+      continue;
+    }
     const bool below = style.columns != 0 && style.columns < lead + kFewestForValue;
     if (below) {
       end_line(out);
