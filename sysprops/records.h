@@ -118,12 +118,12 @@ class ORB_EXPORT ISysProps {
   // version lists is identified by its release files, and the result is true.
   // A version list of more than 16 MiB counts as unreadable. The version is made of the components
   // that the version text has, three at most; a missing text, or one of more than 255 bytes, counts
-  // as empty, and a missing component as 0 in the server test. When memory runs out between the
-  // two, the version is written, the build is not, and the result is false. Quirk: an empty
-  // compatibility list hides a version list beside it: the result is false. Quirk: the server test
-  // of a version list reads the version's major and minor number at their places in a buffer that
-  // the build text has since overwritten: it looks at the leading digits of the build text and at
-  // the bytes that follow, so that build "9..." never counts as a server.
+  // as empty, and a missing component as 0 in the server test. When memory runs out before the
+  // build is looked up, the fixed names and the version are written, and the result is false.
+  // Quirk: an empty compatibility list hides a version list beside it: the result is false.
+  // Quirk: the server test of a version list reads the version's major and minor number at their
+  // places in a buffer that the build text has since overwritten: it looks at the leading digits of
+  // the build text and at the bytes that follow, so that build "9..." never counts as a server.
   bool GetOSInformation(OSInformation& record);
   // Always returns true. Only local file systems with blocks count; free is the blocks kept for the
   // superuser included, rounded down to a grid of twentieths (get_closest_floor). The decimal point
