@@ -1,6 +1,28 @@
 # The one list of sources, by area. The platform list at the end is the only choice of operating
 # system in the project.
 
+set(ORB_PORTABILITY_SOURCES
+  portability/doublelist.cpp
+  portability/dynlib.cpp
+  portability/errorwords.cpp
+  portability/filehandle.cpp
+  portability/handles.cpp
+  portability/interlocked.cpp
+  portability/libraryimages.cpp
+  portability/linkedlist.cpp
+  portability/processid.cpp
+  portability/selock.cpp
+  portability/selock_notify.cpp
+  portability/signals.cpp
+  portability/singlelist.cpp
+  portability/spinlock.cpp
+  portability/systemlog.cpp
+  portability/threadevents.cpp
+  portability/threads.cpp
+  portability/tls.cpp
+  portability/waits.cpp
+)
+
 set(ORB_FILEUTIL_SOURCES
   fileutil/charclass.cpp
   fileutil/localetext.cpp
@@ -46,6 +68,7 @@ set(ORB_SYSPROPS_SOURCES
 
 # Pure parsers and what POSIX gives alike: built everywhere, so that every machine tests them.
 set(ORB_PLATFORM_SOURCES
+  platform/errno_numbers.cpp
   platform/linux_cpuinfo.cpp
   platform/linux_mounts.cpp
   platform/linux_text.cpp
@@ -56,6 +79,7 @@ set(ORB_PLATFORM_SOURCES
 )
 
 set(ORB_DARWIN_SOURCES
+  platform/darwin_assertion.cpp
   platform/darwin_interfaces.cpp
   platform/darwin_lists.cpp
   platform/darwin_system.cpp
@@ -63,6 +87,7 @@ set(ORB_DARWIN_SOURCES
 )
 
 set(ORB_LINUX_SOURCES
+  platform/linux_assertion.cpp
   platform/linux_interfaces.cpp
   platform/linux_processor.cpp
   platform/linux_sessions.cpp
@@ -72,7 +97,7 @@ set(ORB_LINUX_SOURCES
 )
 
 # What every system builds; with the list of one system it is the library.
-set(ORB_COMMON_SOURCES ${ORB_FILEUTIL_SOURCES} ${ORB_NETWORK_SOURCES} ${ORB_SESSION_SOURCES}
+set(ORB_COMMON_SOURCES ${ORB_PORTABILITY_SOURCES} ${ORB_FILEUTIL_SOURCES} ${ORB_NETWORK_SOURCES} ${ORB_SESSION_SOURCES}
                        ${ORB_SYSPROPS_SOURCES} ${ORB_PLATFORM_SOURCES})
 if(CMAKE_SYSTEM_NAME STREQUAL "Darwin")
   set(ORB_SOURCES ${ORB_COMMON_SOURCES} ${ORB_DARWIN_SOURCES})
@@ -88,8 +113,30 @@ set(ORB_PUBLIC_HEADERS
   network/netinterface.h
   network/networkutil.h
   platform/export.h
+  portability/Linklist.h
+  portability/dynlib.h
+  portability/errorwords.h
+  portability/filehandle.h
+  portability/handles.h
+  portability/selock.h
+  portability/signals.h
+  portability/threads.h
   session/loggedonusers.h
   sysprops/catalogue.h
   sysprops/collectors.h
   sysprops/records.h
+)
+
+# Those of them that serve C as well.
+set(ORB_C_HEADERS
+  fileutil/conversions.h
+  platform/export.h
+  portability/Linklist.h
+  portability/dynlib.h
+  portability/errorwords.h
+  portability/filehandle.h
+  portability/handles.h
+  portability/selock.h
+  portability/signals.h
+  portability/threads.h
 )

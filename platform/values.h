@@ -12,6 +12,11 @@ namespace quillon_com::orb::platform {
 // sockaddr_storage. `mask` is not null.
 size_t stated_length(const sockaddr* mask, int family);
 
+// The number of a host's errno in the portability core's own numbering, found by the errno's name:
+// EAGAIN is 35, EDEADLK 11, ENOLCK 77 there, whatever they are here. 0 is 0; an errno without a
+// number of its own there gives -1.
+int core_errno(int host_errno);
+
 // The C library's character tables in the current locale, read without calling the functions of
 // the same name, which this library exports itself. `c` is an unsigned char's value or EOF; any
 // other value is in no class and maps to itself.

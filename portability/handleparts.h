@@ -1,0 +1,40 @@
+// portability/handleparts.h: what the files of the portability core share behind their interfaces.
+#pragma once
+
+#include "portability/handles.h"
+
+namespace quillon_com::orb::portability {
+
+// The all-ones handle, which stands for "no handle".
+inline void* no_handle() { return reinterpret_cast<void*>(intptr_t{-1}); }
+
+// Stores `number`, one of the constants of errorwords.h, in nErrno.
+void store_error(int64_t number);
+
+// The signalled word, read and written without a lock by contract.
+inline bool is_signalled(const _voxHandleObject_t* handle) {
+  return __atomic_load_n(&handle->signalled, __ATOMIC_SEQ_CST) == 1;
+}
+inline void set_signalled(int32_t* word, int32_t value) {
+  __atomic_store_n(word, value, __ATOMIC_SEQ_CST);
+}
+
+// A zeroed handle record of `kind` with one reference, its condition and guard made; null when
+// there is no memory (12 stored in nErrno) or one of them cannot be made (nothing stored).
+_voxHandleObject_t* make_handle(uint32_t kind);
+
+// Undoes make_handle; `payload` is not looked at.
+void destroy_handle(_voxHandleObject_t* handle);
+
+// Parts the handle of a thread from the thread: a thread that still runs will signal
+// bDummyThreadSignalled instead. When this returns the thread no longer touches the handle record.
+void detach_thread(_voxHandleObject_t* handle);
+
+// Closes the descriptor of a file handle's payload, removes the file when it was opened so, and
+// frees the payload. False when either fails: the payload is kept.
+bool close_file(void* payload);
+
+// getpid(), kept in a word that is refreshed in a forked child.
+int64_t process_id();
+
+}  // namespace quillon_com::orb::portability

@@ -1,0 +1,75 @@
+// portability/libraryimages.cpp: libraries outside the table, wide paths and texts kept in
+// libraries.
+#include <dlfcn.h>
+#include <pthread.h>
+
+#include <cstring>
+#include <cwchar>
+#include <new>
+#include <string>
+
+#include "fileutil/conversions.h"
+#include "portability/dynlib.h"
+#include "portability/handleparts.h"
+
+using quillon_com::orb::voxcomn_ansi_to_wide;
+using quillon_com::orb::voxcomn_wide_to_ansi;
+
+namespace {
+
+constexpr size_t kWideMessageSize = 512;
+constexpr size_t kLongestLoaderText = 510;
+
+using LoadString = int32_t (*)(void* module, uint32_t id, char* buffer, int32_t size);
+
+pthread_mutex_t wide_message_lock = PTHREAD_MUTEX_INITIALIZER;
+
+// Puts as much of `text` into `message` as it holds, terminated.
+void set_wide_message(wchar_t* message, const std::wstring& text) {
+  pthread_mutex_lock(&wide_message_lock);
+  wcsncpy(message, text.c_str(), kWideMessageSize - 1);
+  message[kWideMessageSize - 1] = L'\0';
+  pthread_mutex_unlock(&wide_message_lock);
+}
+
+}  // namespace
+
+void* voxLoadLibraryW(const wchar_t* path, wchar_t** errorText) {
+  static wchar_t message[kWideMessageSize];
+  set_wide_message(message, L"");
+  if (errorText != nullptr) *errorText = message;
+  if (path == nullptr) {
+    quillon_com::orb::portability::store_error(kErrInvalid);
+    return nullptr;
+  }
+  try {
+    char* narrow_message = nullptr;
+    void* library = voxLoadLibrary(voxcomn_wide_to_ansi(path).c_str(), &narrow_message);
+    if (errorText != nullptr) set_wide_message(message, voxcomn_ansi_to_wide(narrow_message));
+    return library;
+  } catch (const std::bad_alloc&) {
+    quillon_com::orb::portability::store_error(kErrNoMemory);
+    return nullptr;
+  }
+}
+
+int load_shared_object_image(void** handle, const char* path, char* message) {
+  if (handle == nullptr || path == nullptr) return 0;
+  *handle = dlopen(path, RTLD_LAZY);
+  if (*handle != nullptr) return 1;
+  const char* text = dlerror();
+  if (message != nullptr && text != nullptr) strncat(message, text, kLongestLoaderText);
+  return 0;
+}
+
+int unload_shared_object_image(void* handle) {
+  return handle != nullptr && dlclose(handle) == 0 ? 1 : 0;
+}
+
+int32_t voxLoadString(void* module, uint32_t id, char* buffer, int32_t size) {
+  if (module == nullptr) return 0;
+  const auto load_string = reinterpret_cast<LoadString>(dlsym(module, "loadString"));
+  return load_string == nullptr ? 0 : load_string(module, id, buffer, size);
+}
+
+int voxTranslateMessage(const void*) { return 1; }

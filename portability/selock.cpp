@@ -1,0 +1,161 @@
+// portability/selock.cpp: the shared/exclusive lock's entries, release and hand-over.
+#include "portability/selock.h"
+
+#include <cstdlib>
+
+#include "portability/Linklist.h"
+#include "portability/handleparts.h"
+#include "portability/selockparts.h"
+#include "portability/threads.h"
+
+namespace quillon_com::orb::portability {
+namespace {
+
+constexpr intptr_t kNobody = -1;
+constexpr int kSpinsBeforeSleep = 2000;
+
+// A blocked thread's place in a queue; lives on its stack while it waits.
+struct Waiter {
+  Waiter* next;
+  intptr_t event;
+  int64_t process;
+  int64_t waiting;  // 1 while queued; cleared by the thread that grants
+};
+
+bool is_waiting(const Waiter& waiter) {
+  return __atomic_load_n(&waiter.waiting, __ATOMIC_ACQUIRE) != 0;
+}
+
+// Wakes a waiter that has been granted the lock; its record is gone from then on.
+void wake(Waiter* waiter) {
+  void* event = reinterpret_cast<void*>(waiter->event);
+  __atomic_store_n(&waiter->waiting, int64_t{0}, __ATOMIC_RELEASE);
+  voxSetEvent(event);
+}
+
+// Sleeps until granted. A hand-over mostly comes within the time that going to sleep takes, so the
+// flag is watched first; the event is consumed in every case.
+void sleep_until_granted(const Waiter& waiter) {
+  void* event = reinterpret_cast<void*>(waiter.event);
+  for (int spin = 0; spin < kSpinsBeforeSleep && is_waiting(waiter); ++spin) {
+  }
+  do {
+    voxWaitForSingleObject(event, INFINITE);
+  } while (is_waiting(waiter));
+  voxResetEvent(event);
+}
+
+// Queues the caller and sleeps until the lock is handed to it, or gives up at once.
+int block(void** queue, intptr_t me, int wait, SpinHold& hold) {
+  if (wait == 0 || me == kNobody) return 0;
+  Waiter waiter{nullptr, me, process_id(), 1};
+  vxLL_XInsertHead(queue, &waiter);
+  hold.release();
+  sleep_until_granted(waiter);
+  return 1;
+}
+
+void admit_shared_waiters(_vxSELock_t* lock) {
+  while (auto* waiter = static_cast<Waiter*>(vxLL_XRemoveHead(&lock->sharedWaiters))) {
+    ++lock->count;
+    wake(waiter);
+  }
+}
+
+void hand_over(_vxSELock_t* lock, Waiter* waiter) {
+  lock->count = 1;
+  lock->owner = waiter->event;
+  lock->lastTransition = kHandedOver;
+  lock->processId = waiter->process;
+  wake(waiter);
+}
+
+}  // namespace
+
+bool busy_for(const _vxSELock_t* lock, intptr_t me) {
+  return lock->count != 0 && lock->owner != me;
+}
+
+void grant_exclusive(_vxSELock_t* lock, intptr_t me, Transition transition) {
+  ++lock->count;
+  if (lock->owner == kNobody) {
+    lock->owner = me;
+    lock->lastTransition = transition;
+  }
+  lock->processId = process_id();
+}
+
+}  // namespace quillon_com::orb::portability
+
+using namespace quillon_com::orb::portability;
+
+uint32_t vxSO_SELockCreate(_vxSELock_t** out) {
+  constexpr uint32_t kFailed = 0x80000008u;
+  if (out == nullptr) return kFailed;
+  *out = static_cast<_vxSELock_t*>(calloc(1, sizeof(_vxSELock_t)));
+  if (*out == nullptr) return kFailed;
+  (*out)->owner = kNobody;
+  (*out)->lastTransition = kCreated;
+  return 0;
+}
+
+void vxSO_Release(_vxSELock_t* lock) { free(lock); }
+
+int vxSO_SELockExclusive(_vxSELock_t* lock, int wait) {
+  if (lock == nullptr) return 0;
+  const intptr_t me = vxSO_GetThread();
+  SpinHold hold(lock);
+  if (busy_for(lock, me)) return block(&lock->exclusiveWaiters, me, wait, hold);
+  grant_exclusive(lock, me, kExclusive);
+  return 1;
+}
+
+int vxSO_SELockSharedStarveExclusive(_vxSELock_t* lock, int wait) {
+  if (lock == nullptr) return 0;
+  const intptr_t me = vxSO_GetThread();
+  SpinHold hold(lock);
+  if (lock->owner != me && lock->owner != kNobody)
+    return block(&lock->sharedWaiters, me, wait, hold);
+  ++lock->count;
+  return 1;
+}
+
+int vxSO_SELockSharedWaitForExclusive(_vxSELock_t* lock, int wait) {
+  if (lock == nullptr) return 0;
+  const intptr_t me = vxSO_GetThread();
+  SpinHold hold(lock);
+  const bool open = lock->count == 0 || lock->owner == me ||
+                    (lock->owner == kNobody && lock->exclusiveWaiters == nullptr);
+  if (!open) return block(&lock->sharedWaiters, me, wait, hold);
+  ++lock->count;
+  return 1;
+}
+
+int vxSO_SELock(_vxSELock_t* lock, int exclusive, int wait) {
+  return exclusive != 0 ? vxSO_SELockExclusive(lock, wait)
+                        : vxSO_SELockSharedWaitForExclusive(lock, wait);
+}
+
+int vxSO_SELockExclusiveToShared(_vxSELock_t* lock) {
+  if (lock == nullptr) return 0;
+  SpinHold hold(lock);
+  lock->owner = kNobody;
+  lock->lastTransition = kDowngraded;
+  admit_shared_waiters(lock);
+  return 1;
+}
+
+int vxSO_SELockRelease(_vxSELock_t* lock) {
+  if (lock == nullptr) return 0;
+  SpinHold hold(lock);
+  if (--lock->count != 0) return 1;
+  lock->owner = kNobody;
+  lock->lastTransition = kFreed;
+  if (auto* waiter = static_cast<Waiter*>(vxLL_XRemoveHead(&lock->exclusiveWaiters)))
+    hand_over(lock, waiter);
+  else if (lock->sharedWaiters == nullptr)
+    notify_free(lock);
+  else
+    admit_shared_waiters(lock);
+  return 1;
+}

@@ -1,0 +1,172 @@
+// portability/threads.cpp: begin, body and clean-up of a thread.
+//
+// A thread ends while another closes its handle, or closes it in the moment in which its wait
+// returns. Both meet in the start record: it lives until the thread has ended and the handle is
+// closed, and its lock makes the closing one wait until the ending one has let go of the handle.
+#include "portability/threads.h"
+
+#include <cstddef>
+#include <cstdlib>
+#include <cstring>
+
+#include "portability/handleparts.h"
+#include "portability/signals.h"
+
+namespace quillon_com::orb::portability {
+namespace {
+
+struct StartRecord {
+  pthread_mutex_t* guard;     // the handle's
+  pthread_cond_t* condition;  // the handle's
+  int32_t* signalled;         // the handle's, or bDummyThreadSignalled once that is closed
+  voxThreadRoutine routine;
+  void* argument;
+  // Private: the meeting of the ending thread and the closing of its handle.
+  pthread_mutex_t meeting;
+  int parties;  // the thread and its handle; guarded by meeting; the last one frees the record
+};
+
+// The record that a thread link points into.
+StartRecord* record_of(int32_t** link) {
+  return reinterpret_cast<StartRecord*>(reinterpret_cast<char*>(link) -
+                                        offsetof(StartRecord, signalled));
+}
+
+// Ends one party's interest; `meeting` is held and released.
+void leave_meeting(StartRecord* record) {
+  const bool last = --record->parties == 0;
+  pthread_mutex_unlock(&record->meeting);
+  if (!last) return;
+  pthread_mutex_destroy(&record->meeting);
+  free(record);
+}
+
+StartRecord* make_start_record(_voxHandleObject_t* handle, voxThreadRoutine routine,
+                               void* argument) {
+  auto* record = static_cast<StartRecord*>(malloc(sizeof(StartRecord)));
+  if (record == nullptr) {
+    store_error(kErrNoMemory);
+    return nullptr;
+  }
+  memset(record, 0, sizeof *record);
+  if (pthread_mutex_init(&record->meeting, nullptr) != 0) {
+    free(record);
+    return nullptr;
+  }
+  record->guard = &handle->guard;
+  record->condition = &handle->condition;
+  record->signalled = &handle->signalled;
+  record->routine = routine;
+  record->argument = argument;
+  record->parties = 2;
+  handle->threadLink = &record->signalled;
+  return record;
+}
+
+void discard_start_record(StartRecord* record) {
+  pthread_mutex_destroy(&record->meeting);
+  free(record);
+}
+
+// Starts the body, detached. 0 or the failed call's code.
+int start_detached(pthread_t* thread, StartRecord* record) {
+  pthread_attr_t attributes;
+  int code = pthread_attr_init(&attributes);
+  if (code != 0) return code;
+  code = pthread_attr_setdetachstate(&attributes, PTHREAD_CREATE_DETACHED);
+  if (code == 0) code = pthread_create(thread, &attributes, voxThreadJuggle, record);
+  pthread_attr_destroy(&attributes);
+  return code;
+}
+
+// A thread handle with its cell, not yet started; null on failure.
+_voxHandleObject_t* make_thread_handle() {
+  _voxHandleObject_t* handle = make_handle(HANDLE_TYPE_THREAD);
+  if (handle == nullptr) return nullptr;
+  handle->payload = calloc(1, sizeof(pthread_t));
+  if (handle->payload != nullptr) return handle;
+  store_error(kErrNoMemory);
+  destroy_handle(handle);
+  return nullptr;
+}
+
+void discard_thread_handle(_voxHandleObject_t* handle) {
+  free(handle->payload);
+  destroy_handle(handle);
+}
+
+void release_slots_of_process() {
+  const int64_t self = process_id();
+  for (uint32_t slot = 0; slot < kTlsSlots; ++slot) {
+    if (__atomic_load_n(&pTlsKeyTable[slot], __ATOMIC_ACQUIRE) != nullptr &&
+        __atomic_load_n(&nTlsOwnerTable[slot], __ATOMIC_ACQUIRE) == self) {
+      voxTlsFree(slot);
+    }
+  }
+}
+
+}  // namespace
+
+void detach_thread(_voxHandleObject_t* handle) {
+  StartRecord* record = record_of(handle->threadLink);
+  pthread_mutex_lock(&record->meeting);
+  record->signalled = &bDummyThreadSignalled;
+  leave_meeting(record);
+}
+
+}  // namespace quillon_com::orb::portability
+
+using namespace quillon_com::orb::portability;
+
+_voxHandleObject_t* voxBeginThread(void*, uint64_t, voxThreadRoutine startRoutine, void* argument,
+                                   uint32_t, uint32_t* threadIdOut) {
+  auto* failed = static_cast<_voxHandleObject_t*>(no_handle());
+  _voxHandleObject_t* handle = make_thread_handle();
+  if (handle == nullptr) return failed;
+  StartRecord* record = make_start_record(handle, startRoutine, argument);
+  if (record == nullptr) {
+    discard_thread_handle(handle);
+    return failed;
+  }
+  const int code = start_detached(static_cast<pthread_t*>(handle->payload), record);
+  if (code != 0) {
+    discard_start_record(record);
+    discard_thread_handle(handle);
+    return failed;
+  }
+  if (threadIdOut != nullptr) *threadIdOut = static_cast<uint32_t>(code);
+  set_pthread_sched_param(handle);
+  return handle;
+}
+
+_voxHandleObject_t* voxCreateThread(void* security, uint64_t stackSize,
+                                    voxThreadRoutine startRoutine, void* argument,
+                                    uint32_t creationFlags, uint32_t* threadIdOut) {
+  _voxHandleObject_t* handle =
+      voxBeginThread(security, stackSize, startRoutine, argument, creationFlags, threadIdOut);
+  return handle == no_handle() ? nullptr : handle;
+}
+
+void set_pthread_sched_param(_voxHandleObject_t*) {}
+
+void* voxThreadJuggle(void* startRecord) {
+  const auto* record = static_cast<StartRecord*>(startRecord);
+  void* result = nullptr;
+  pthread_cleanup_push(voxCleanupThread, startRecord);
+  result = record->routine(record->argument);
+  pthread_cleanup_pop(1);
+  return result;
+}
+
+void voxCleanupThread(void* startRecord) {
+  auto* record = static_cast<StartRecord*>(startRecord);
+  release_slots_of_process();
+  pthread_mutex_lock(&record->meeting);
+  if (record->signalled != &bDummyThreadSignalled) {
+    set_signalled(record->signalled, 1);
+    pthread_mutex_lock(record->guard);
+    pthread_cond_broadcast(record->condition);
+    pthread_mutex_unlock(record->guard);
+  }
+  leave_meeting(record);
+}
