@@ -6,12 +6,18 @@
 
 #include <algorithm>
 #include <cstring>
+#include <memory>
+#include <utility>
 
 #include "platform/linux_interfaces.h"
 #include "platform/linux_system.h"
 
 namespace quillon_com::orb::platform {
 namespace {
+
+struct ListReleaser {
+  void operator()(ifaddrs* list) const { freeifaddrs(list); }
+};
 
 size_t address_size(int family) {
   switch (family) {
@@ -57,16 +63,17 @@ InterfaceEntry entry_of(const ifaddrs& entry) {
 }
 
 bool LinuxSystem::interface_entries(std::vector<InterfaceEntry>* entries) const {
-  ifaddrs* list = nullptr;
-  if (getifaddrs(&list) != 0) return false;
+  ifaddrs* head = nullptr;
+  if (getifaddrs(&head) != 0) return false;
+  const std::unique_ptr<ifaddrs, ListReleaser> list(head);
   size_t count = 0;
-  for (const ifaddrs* entry = list; entry != nullptr; entry = entry->ifa_next) ++count;
-  entries->clear();
-  entries->reserve(count);
-  for (const ifaddrs* entry = list; entry != nullptr; entry = entry->ifa_next) {
-    entries->push_back(entry_of(*entry));
+  for (const ifaddrs* entry = head; entry != nullptr; entry = entry->ifa_next) ++count;
+  std::vector<InterfaceEntry> read;
+  read.reserve(count);
+  for (const ifaddrs* entry = head; entry != nullptr; entry = entry->ifa_next) {
+    read.push_back(entry_of(*entry));
   }
-  freeifaddrs(list);
+  *entries = std::move(read);
   return true;
 }
 

@@ -8,6 +8,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <memory>
 #include <utility>
 
 #include "platform/linux_text.h"
@@ -19,6 +20,10 @@ namespace {
 constexpr uint64_t kKilobyte = 1024;                    // the memory table's "kB"
 constexpr size_t kMostNames = 4096;                     // of one folder
 constexpr size_t kMostResolverBytes = size_t{1} << 20;  // of one answer
+
+struct FolderCloser {
+  void operator()(DIR* listing) const { closedir(listing); }
+};
 
 enum class LookUp { found, no_such_address, failed };
 
@@ -61,14 +66,13 @@ std::string LinuxSystem::text_of(const std::string& path, size_t limit) const {
 
 std::vector<std::string> LinuxSystem::names_in(const std::string& folder) const {
   std::vector<std::string> names;
-  DIR* listing = opendir(at(folder).c_str());
+  const std::unique_ptr<DIR, FolderCloser> listing(opendir(at(folder).c_str()));
   if (listing == nullptr) return names;
   while (names.size() < kMostNames) {
-    const dirent* entry = readdir(listing);
+    const dirent* entry = readdir(listing.get());
     if (entry == nullptr) break;
     if (entry->d_name[0] != '.') names.emplace_back(entry->d_name);
   }
-  closedir(listing);
   std::sort(names.begin(), names.end());
   return names;
 }

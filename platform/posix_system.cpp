@@ -16,7 +16,9 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <memory>
 #include <mutex>
+#include <utility>
 
 namespace quillon_com::orb::platform {
 namespace {
@@ -28,6 +30,27 @@ template <size_t N>
 std::string field_text(const char (&field)[N]) {
   return std::string(field, strnlen(field, N));
 }
+
+// Closes what it holds, also when memory runs out meanwhile.
+class Descriptor {
+ public:
+  explicit Descriptor(int number) : number_(number) {}
+  Descriptor(const Descriptor&) = delete;
+  Descriptor& operator=(const Descriptor&) = delete;
+  ~Descriptor() {
+    if (is_open()) close(number_);
+  }
+  bool is_open() const { return number_ >= 0; }
+  int number() const { return number_; }
+
+ private:
+  const int number_;
+};
+
+// Closes first, so that a command that keeps printing ends, and then waits for it.
+struct PipeCloser {
+  void operator()(FILE* pipe) const { pclose(pipe); }
+};
 
 void set_close_on_exec(int descriptor) { fcntl(descriptor, F_SETFD, FD_CLOEXEC); }
 
@@ -144,12 +167,11 @@ bool PosixSystem::primary_group(const std::string& user, std::string* group) con
 bool PosixSystem::command_output(const std::string& command, size_t limit,
                                  std::string* output) const {
   if (!program_exists(command)) return false;
-  FILE* pipe = popen(command.c_str(), "r");
+  const std::unique_ptr<FILE, PipeCloser> pipe(popen(command.c_str(), "r"));
   if (pipe == nullptr) return false;
-  set_close_on_exec(fileno(pipe));
+  set_close_on_exec(fileno(pipe.get()));
   std::string text;
-  read_descriptor(fileno(pipe), limit, &text);
-  pclose(pipe);  // closes first, so that a command that keeps printing ends
+  read_descriptor(fileno(pipe.get()), limit, &text);
   *output = std::move(text);
   return true;
 }
@@ -163,11 +185,10 @@ bool PosixSystem::file_size(const std::string& path, uint64_t* size) const {
 
 bool PosixSystem::file_bytes(const std::string& path, size_t limit, std::string* bytes) const {
   // Without waiting: a pipe that nobody writes to is an empty file.
-  const int descriptor = open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NOCTTY | O_NONBLOCK);
-  if (descriptor < 0) return false;
+  const Descriptor file(open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NOCTTY | O_NONBLOCK));
+  if (!file.is_open()) return false;
   std::string text;
-  read_descriptor(descriptor, limit, &text);
-  close(descriptor);
+  read_descriptor(file.number(), limit, &text);
   *bytes = std::move(text);
   return true;
 }

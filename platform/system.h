@@ -168,7 +168,8 @@ class System {
     if (free_memory(&pages, &figures.page_size)) figures.free_pages = pages;
     return figures;
   }
-  // Every mounted file system in the system's order; empty when the table cannot be read.
+  // The mounted file systems in the system's order, those of other machines only where listing
+  // them asks none of them; empty when the table cannot be read.
   virtual std::vector<Volume> volumes() const = 0;
 };
 
