@@ -2,6 +2,7 @@
 #include "network/enumerate.h"
 
 #include <net/if.h>
+#include <netinet/in.h>
 
 #include <map>
 #include <optional>
@@ -62,6 +63,14 @@ class InterfaceWalk {
     return families_[family] = system_.family_usable(family);
   }
 
+  // A zone is no part of the texts that are kept; without it nobody looks its name up.
+  static platform::SocketAddress without_zone(platform::SocketAddress address) {
+    if (address.get()->sa_family == AF_INET6) {
+      reinterpret_cast<sockaddr_in6*>(address.get())->sin6_scope_id = 0;
+    }
+    return address;
+  }
+
   // Writes the texts of `entry`; false when it has one that cannot be made.
   bool describe(const platform::InterfaceEntry& entry, IPAddress* record) {
     const unsigned family = entry.address.get()->sa_family;
@@ -69,7 +78,7 @@ class InterfaceWalk {
     std::string address;
     std::string mask;
     std::string subnet;
-    if (!numeric_text(entry.address, &address) || !usable(static_cast<int>(family)) ||
+    if (!numeric_text(without_zone(entry.address), &address) || !usable(static_cast<int>(family)) ||
         !mask_text(family, netmask, &mask) ||
         !subnet_text(family, netmask, entry.address.get(), &subnet)) {
       return false;

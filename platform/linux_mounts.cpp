@@ -129,8 +129,11 @@ bool stands_before(const Mount& one, const Mount& other) {
 }  // namespace
 
 std::vector<Mount> mounts_of(std::string_view table) {
+  const auto lines = static_cast<size_t>(std::count(table.begin(), table.end(), '\n')) + 1;
   std::vector<Mount> mounts;
+  mounts.reserve(lines);
   std::unordered_map<std::string, size_t> places;
+  places.reserve(lines);
   while (!table.empty()) {
     auto mount = mount_of(take_line(&table));
     if (!mount) continue;

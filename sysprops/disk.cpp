@@ -1,8 +1,6 @@
 // sysprops/disk.cpp: size and free space of the local file systems, and their sums.
-#include <iomanip>
-#include <ios>
-#include <locale>
-#include <sstream>
+#include <algorithm>
+#include <cstdio>
 #include <string>
 #include <utility>
 
@@ -18,10 +16,13 @@ constexpr size_t kMostCharacters = 32;  // of a size; all that a real file syste
 
 // Two decimals with "." before them in every locale: servers, not people, read the figure.
 std::wstring size_text(double megabytes) {
-  std::wostringstream text;
-  text.imbue(std::locale::classic());
-  text << std::fixed << std::setprecision(2) << megabytes;
-  return text.str().substr(0, kMostCharacters);
+  char text[400];  // room for every finite number
+  snprintf(text, sizeof text, "%.2f", megabytes);
+  const std::string printed = text;
+  const size_t whole = std::min(printed.find_first_not_of("0123456789"), printed.size());
+  const std::string decimals = printed.substr(printed.size() - std::min<size_t>(2, printed.size()));
+  return sysprops_ansi_to_wide(
+      (printed.substr(0, whole) + "." + decimals).substr(0, kMostCharacters));
 }
 
 std::wstring free_text(double free_mb, double total_mb) {
