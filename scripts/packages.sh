@@ -2,7 +2,7 @@
 # scripts/packages.sh: which distribution packages each command of the driver needs; sourced by dev.
 
 packages_build=(g++ cmake ninja-build libcli11-dev nlohmann-json3-dev)
-packages_test=(libgtest-dev libgmock-dev python3 python3-jsonschema iproute2 procps groff man-db
+packages_test=(libgtest-dev libgmock-dev python3 python3-jsonschema iproute2 procps groff man-db mandoc
   fish zsh util-linux hostname locales)
 packages_check=(clang clang-format clang-tidy clang-tools lld llvm libclang-rt-14-dev shellcheck
   binutils git)
