@@ -1,12 +1,10 @@
 // fileutil/utf8.cpp: the UTF-8 codec and the two converters with their statuses and capacities.
 #include "fileutil/utf8.h"
 
-#include <climits>
 #include <cstdint>
 #include <cstdlib>
 #include <cstring>
 #include <cwchar>
-#include <functional>
 
 #include "fileutil/conversions.h"
 
@@ -118,12 +116,6 @@ class WorkText {
 constexpr unsigned kStatusOk = 0;
 constexpr unsigned kStatusFailed = 0x80000008U;
 
-// Whether `needed` elements fit a capacity that counts as a signed 32-bit number, without a need
-// of 2^31 and more wrapping round to a small one.
-bool fits(size_t needed, int capacity) {
-  return capacity >= 0 && needed <= static_cast<size_t>(capacity);
-}
-
 }  // namespace
 
 size_t decode_utf8(const char* text, size_t length, wchar_t* out) {
@@ -170,12 +162,15 @@ size_t encode_utf8(const wchar_t* text, size_t length, char* out) {
 
 using namespace quillon_com::orb;
 
+// Texts are measured no further than the room reaches, so that no need is ever too large to count.
+
 unsigned voxcomn_unicode_to_utf8(const wchar_t* source, char* destination, unsigned* size) {
-  if (source == nullptr || destination == nullptr || size == nullptr || *size == 0) {
-    return kStatusFailed;
-  }
-  const size_t length = std::wcslen(source);
-  if (!fits(length * 6 + 1, static_cast<int>(*size))) return kStatusFailed;
+  if (source == nullptr || destination == nullptr || size == nullptr) return kStatusFailed;
+  const auto room = static_cast<int>(*size);
+  if (room <= 0) return kStatusFailed;
+  const auto most = (static_cast<size_t>(room) - 1) / 6;
+  const size_t length = wcsnlen(source, most + 1);
+  if (length > most) return kStatusFailed;
   const WorkText<wchar_t> work(source, length, destination, length * 4 + 1);
   if (work.get() == nullptr) return kStatusFailed;
   destination[encode_utf8(work.get(), length, destination)] = '\0';
@@ -184,8 +179,10 @@ unsigned voxcomn_unicode_to_utf8(const wchar_t* source, char* destination, unsig
 
 unsigned voxcomn_utf8_to_unicode(const char* source, wchar_t* destination, int* size) {
   if (source == nullptr || destination == nullptr || size == nullptr) return kStatusFailed;
-  const size_t length = std::strlen(source);
-  if (!fits(length + 1, *size)) return kStatusFailed;
+  if (*size <= 0) return kStatusFailed;
+  const auto room = static_cast<size_t>(*size);
+  const size_t length = strnlen(source, room);
+  if (length == room) return kStatusFailed;
   const WorkText<char> work(source, length, destination, (length + 1) * sizeof(wchar_t));
   if (work.get() == nullptr) return kStatusFailed;
   destination[decode_utf8(work.get(), length, destination)] = L'\0';

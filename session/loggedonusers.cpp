@@ -23,7 +23,8 @@ void add_network_user(const std::string& user, const std::string& domains, FILE*
   split(domains, '|', parts);
   if (parts.empty()) parts.push_back(domains);
   for (const std::string& part : parts) {
-    std::string name = part + "\\" + user;
+    std::string name = part;
+    name.append("\\").append(user);
     toLower(name);
     network->insert(name);
     std::fprintf(lines, "Network User logged on %s \n", name.c_str());

@@ -3,6 +3,7 @@
 
 #include <cstring>
 #include <iterator>
+#include <utility>
 
 #include "session/collect.h"
 #include "session/loggedonusers.h"
@@ -45,15 +46,13 @@ void toLower(std::string& text) {
 }
 
 void parseFullUserName(std::wstring& fullName, std::wstring& domain, std::wstring& user) {
-  const std::wstring name = fullName;  // one string may be passed for several
-  const size_t backslash = name.find(L'\\');
-  if (backslash == std::wstring::npos) {
-    domain.clear();
-    user = name;
-    return;
-  }
-  domain = name.substr(0, backslash);
-  user = name.substr(backslash + 1);
+  const size_t backslash = fullName.find(L'\\');
+  const bool divided = backslash != std::wstring::npos;
+  // One string may be passed for several: both parts are made before any is written.
+  std::wstring before = divided ? fullName.substr(0, backslash) : std::wstring();
+  std::wstring behind = divided ? fullName.substr(backslash + 1) : fullName;
+  domain = std::move(before);
+  user = std::move(behind);
 }
 
 void limit_user_list(std::string* users) {
