@@ -18,6 +18,7 @@ namespace {
 
 void complain_of_key(const std::string& key) {
   std::vector<std::string_view> keys;
+  keys.reserve(kPropertyCount);
   for (const PropertyInfo& info : kProperties) keys.push_back(info.key);
   const std::string_view near = nearest(key, keys);
   const std::string what =

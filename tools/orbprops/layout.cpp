@@ -81,6 +81,7 @@ std::string keys_text(const Style& style) {
     return out;
   }
   std::vector<Pair> pairs;
+  pairs.reserve(kPropertyCount);
   for (const PropertyInfo& info : kProperties) {
     pairs.push_back({std::string(info.key), cell_of(info.meaning, style)});
   }
