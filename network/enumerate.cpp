@@ -14,7 +14,8 @@
 
 namespace quillon_com::orb::network {
 
-// One call's walk: the entries once for the hardware addresses, once for the addresses.
+// One call's walk: the entries once for the hardware addresses, once for the addresses; then the
+// indexes of those interfaces that have any.
 class InterfaceWalk {
  public:
   InterfaceWalk(const platform::System& system, NetInterfaceList& list)
@@ -25,29 +26,32 @@ class InterfaceWalk {
     std::vector<platform::InterfaceEntry> entries;
     if (!system_.interface_entries(&entries)) return false;
     for (const auto& entry : entries) note_hardware(entry);
-    bool added = false;
-    for (const auto& entry : entries) {
-      if (!wanted(entry)) continue;
-      IPAddress address;
-      Interface& interface = interfaces_[entry.name];
-      if (!interface.hardware || !describe(entry, &address)) continue;
-      add(entry.name, interface, address);
-      added = true;
+    for (const auto& entry : entries) note_address(entry);
+    const std::vector<unsigned> indexes = system_.interface_indexes(names_);
+    for (const Found& found : found_) {
+      const size_t name = *found.interface->name;
+      add(indexes[name], names_[name], found.interface->hardware, found.address);
     }
-    return added;
+    return !found_.empty();
   }
 
  private:
   // What the walk knows of the interface of one name.
   struct Interface {
-    std::optional<std::string> hardware;  // the text of its first link-layer entry
-    std::optional<unsigned> index;        // once asked
+    std::string hardware;        // the text of its first link-layer entry
+    std::optional<size_t> name;  // in names_, once an address was found
+  };
+
+  // An address that passed every test.
+  struct Found {
+    const Interface* interface;
+    IPAddress address;
   };
 
   void note_hardware(const platform::InterfaceEntry& entry) {
     if (!entry.link_address) return;
-    Interface& interface = interfaces_[entry.name];
-    if (!interface.hardware) interface.hardware = hardware_text(*entry.link_address);
+    const auto [place, added] = interfaces_.try_emplace(entry.name);
+    if (added) place->second.hardware = hardware_text(*entry.link_address);
   }
 
   bool wanted(const platform::InterfaceEntry& entry) const {
@@ -95,18 +99,34 @@ class InterfaceWalk {
     return true;
   }
 
-  void add(const std::string& name, Interface& interface, const IPAddress& address) {
-    if (!interface.index) interface.index = system_.interface_index(name);
-    NetInterface& record = list_.getNetInterface(*interface.index);
+  void note_address(const platform::InterfaceEntry& entry) {
+    if (!wanted(entry)) return;
+    const auto known = interfaces_.find(entry.name);
+    if (known == interfaces_.end()) return;  // no link-layer entry
+    IPAddress address;
+    if (!describe(entry, &address)) return;
+    Interface& interface = known->second;
+    if (!interface.name) {
+      interface.name = names_.size();
+      names_.push_back(entry.name);
+    }
+    found_.push_back({&interface, address});
+  }
+
+  void add(unsigned index, const std::string& name, const std::string& hardware,
+           const IPAddress& address) {
+    NetInterface& record = list_.getNetInterface(index);
     record.setOption(NETIF_INDEX_NAME, name);
-    record.setOption(NETIF_INDEX, *interface.index);
-    record.setOption(NETIF_MAC_ADDRESS, *interface.hardware);
+    record.setOption(NETIF_INDEX, index);
+    record.setOption(NETIF_MAC_ADDRESS, hardware);
     record.setOption(NETIF_IP_ADDRESS, address);
   }
 
   const platform::System& system_;
   NetInterfaceList& list_;
-  std::unordered_map<std::string, Interface> interfaces_;  // by name
+  std::unordered_map<std::string, Interface> interfaces_;  // by name; with a link-layer entry
+  std::vector<std::string> names_;                         // of interfaces with an address
+  std::vector<Found> found_;                               // in the system's order
   std::map<int, bool> families_;                           // usable; those asked
 };
 

@@ -3,6 +3,8 @@
 #include <net/if.h>
 #include <netinet/in.h>
 #include <netpacket/packet.h>
+#include <sys/ioctl.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <cstring>
@@ -49,6 +51,14 @@ std::optional<std::array<unsigned char, 6>> link_address(const sockaddr* address
   return bytes;
 }
 
+unsigned index_through(int socket, const std::string& name) {
+  ifreq request{};
+  if (name.size() >= sizeof request.ifr_name) return 0;
+  name.copy(request.ifr_name, sizeof request.ifr_name);
+  if (ioctl(socket, SIOCGIFINDEX, &request) != 0) return 0;
+  return static_cast<unsigned>(request.ifr_ifindex);
+}
+
 }  // namespace
 
 InterfaceEntry entry_of(const ifaddrs& entry) {
@@ -75,6 +85,15 @@ bool LinuxSystem::interface_entries(std::vector<InterfaceEntry>* entries) const 
   }
   *entries = std::move(read);
   return true;
+}
+
+std::vector<unsigned> LinuxSystem::interface_indexes(const std::vector<std::string>& names) const {
+  const int socket_of_any_kind = socket(AF_UNIX, SOCK_DGRAM | SOCK_CLOEXEC, 0);
+  if (socket_of_any_kind < 0) return std::vector<unsigned>(names.size());
+  std::vector<unsigned> indexes;
+  for (const std::string& name : names) indexes.push_back(index_through(socket_of_any_kind, name));
+  close(socket_of_any_kind);
+  return indexes;
 }
 
 }  // namespace quillon_com::orb::platform

@@ -24,6 +24,8 @@ class LinuxSystem : public PosixSystem {
   explicit LinuxSystem(std::string root = "");
 
   bool interface_entries(std::vector<InterfaceEntry>* entries) const override;
+  // Through one socket, where if_nametoindex opens one for each name.
+  std::vector<unsigned> interface_indexes(const std::vector<std::string>& names) const override;
 
   bool host_name(std::string* name) const override;
   // IPv4 first; IPv6 only when the resolver knows the name but no such address, or not the name;

@@ -106,6 +106,12 @@ class System {
   virtual bool interface_entries(std::vector<InterfaceEntry>* entries) const = 0;
   // The index of the interface called `name`; 0 when there is none.
   virtual unsigned interface_index(const std::string& name) const = 0;
+  // The same for each of `names`, in their order; a system may ask for all at less cost.
+  virtual std::vector<unsigned> interface_indexes(const std::vector<std::string>& names) const {
+    std::vector<unsigned> indexes;
+    for (const std::string& name : names) indexes.push_back(interface_index(name));
+    return indexes;
+  }
   // Whether a datagram socket of `family` can be opened.
   virtual bool family_usable(int family) const = 0;
   // Whether the resolver takes `zoned_address` ("fe80::1%2") as a numeric address.

@@ -230,6 +230,17 @@ TEST(InterfaceIndex, OfAName) {
   EXPECT_EQ(0u, host().interface_index(""));
 }
 
+TEST(InterfaceIndexes, AreThoseOfEachNameInOrder) {
+  const std::vector<std::string> names = {
+      "no-such", "lo", "", std::string(15, 'x'), std::string(16, 'x'), std::string(2000, 'x'),
+      "lo:1",    "lo"};
+  std::vector<unsigned> expected;
+  for (const std::string& name : names) expected.push_back(if_nametoindex(name.c_str()));
+  EXPECT_NE(0u, expected[1]);
+  EXPECT_EQ(expected, host().interface_indexes(names));
+  EXPECT_EQ(std::vector<unsigned>(), host().interface_indexes({}));
+}
+
 TEST(Names, OfTheKernel) {
   utsname kernel{};
   ASSERT_EQ(0, uname(&kernel));

@@ -232,13 +232,14 @@ INSTANTIATE_TEST_SUITE_P(
 INSTANTIATE_TEST_SUITE_P(
     Kinds, Network,
     testing::Values(
-        NetworkCase{"DummyOrBridge",
-                    "ip link add name dum0 index 20 address 02:00:00:00:00:0d type dummy || "
-                    "ip link add name dum0 index 20 address 02:00:00:00:00:0d type bridge; "
-                    "ip link set dum0 addrgenmode none; ip link set dum0 up; "
-                    "ip addr add 10.0.0.1/24 dev dum0",
-                    false,
-                    {"20 dum0 02000000000d 10.0.0.1/255.255.255.0 10.0.0.0 v4"}},
+        NetworkCase{
+            "DummyOrBridge",
+            "ip link add name dum0 index 20 address 02:00:00:00:00:0d type dummy 2>/dev/null || "
+            "ip link add name dum0 index 20 address 02:00:00:00:00:0d type bridge; "
+            "ip link set dum0 addrgenmode none; ip link set dum0 up; "
+            "ip addr add 10.0.0.1/24 dev dum0",
+            false,
+            {"20 dum0 02000000000d 10.0.0.1/255.255.255.0 10.0.0.0 v4"}},
         NetworkCase{"TunHasNoHardwareAddress",
                     PAIR_UP "ip addr add 10.0.0.1/24 dev va; ip tuntap add dev tun0 mode tun; "
                             "ip link set tun0 addrgenmode none; ip addr add 10.8.0.1/24 dev tun0; "
