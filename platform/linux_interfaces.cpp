@@ -88,11 +88,11 @@ bool LinuxSystem::interface_entries(std::vector<InterfaceEntry>* entries) const 
 }
 
 std::vector<unsigned> LinuxSystem::interface_indexes(const std::vector<std::string>& names) const {
-  const int socket_of_any_kind = socket(AF_UNIX, SOCK_DGRAM | SOCK_CLOEXEC, 0);
-  if (socket_of_any_kind < 0) return std::vector<unsigned>(names.size());
-  std::vector<unsigned> indexes;
-  for (const std::string& name : names) indexes.push_back(index_through(socket_of_any_kind, name));
-  close(socket_of_any_kind);
+  std::vector<unsigned> indexes(names.size());  // before the socket, which it could cost
+  const int any_socket = names.empty() ? -1 : socket(AF_UNIX, SOCK_DGRAM | SOCK_CLOEXEC, 0);
+  if (any_socket < 0) return indexes;
+  for (size_t i = 0; i < names.size(); ++i) indexes[i] = index_through(any_socket, names[i]);
+  close(any_socket);
   return indexes;
 }
 
