@@ -6,6 +6,7 @@
 #include <net/if.h>
 #include <netdb.h>
 #include <pwd.h>
+#include <sched.h>
 #include <sys/stat.h>
 #include <sys/utsname.h>
 #include <unistd.h>
@@ -22,6 +23,8 @@
 
 namespace quillon_com::orb::platform {
 namespace {
+
+constexpr int kZoneTurns = 1000;
 
 std::mutex accounting_mutex;  // guards the C library's cursor over the user-accounting database
 
@@ -128,7 +131,15 @@ bool PosixSystem::local_time(time_t seconds, tm* broken_down) const {
   return true;
 }
 
-std::string PosixSystem::zone_name() const { return tzname[0] == nullptr ? "" : tzname[0]; }
+std::string PosixSystem::zone_name() const {
+  // A breakdown of the time on another thread takes the name away for a moment.
+  char* volatile* const place = &tzname[0];
+  for (int turn = 0; turn < kZoneTurns; ++turn) {
+    if (const char* const name = *place) return name;
+    sched_yield();
+  }
+  return "";
+}
 
 bool PosixSystem::next_session_entry(SessionEntry* entry) const {
   std::lock_guard lock(accounting_mutex);

@@ -1,6 +1,7 @@
 // tests/sysprops/hostreport_test.cpp: the running machine's report against second sources.
 #include <gtest/gtest.h>
 
+#include <atomic>
 #include <chrono>
 #include <cstdint>
 #include <map>
@@ -205,6 +206,21 @@ TEST(HostReport, TimeZoneFollowsTzsetNotTheVariable) {
   const orbtest::ScopedTimeZone zone("CET-1CEST");
   const orbtest::ScopedEnvironment changed("TZ", "EST5EDT");
   EXPECT_EQ(L"CET", voxcomn_get_time_zone());
+}
+
+TEST(HostReport, TimeZoneIsWholeWhileAnotherThreadBreaksTimesDown) {
+  const orbtest::ScopedTimeZone zone("Asia/Tokyo");  // of a file, where there are any
+  const std::wstring expected = voxcomn_get_time_zone();
+  std::atomic<bool> done{false};
+  std::thread other([&done] {
+    tm local{};
+    for (time_t now = 0; !done; ++now) localtime_r(&now, &local);
+  });
+  int differing = 0;
+  for (int turn = 0; turn < 20000; ++turn) differing += voxcomn_get_time_zone() != expected;
+  done = true;
+  other.join();
+  EXPECT_EQ(0, differing);
 }
 
 TEST(HostReport, LanguageIsThatOfTheEnvironment) {
