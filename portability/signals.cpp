@@ -2,7 +2,6 @@
 #include "portability/signals.h"
 
 #include <cerrno>
-#include <cstdio>
 
 int32_t bSigTermReceived = 0;
 int32_t bDummyThreadSignalled = 1;
@@ -26,9 +25,7 @@ Membership membership(const sigset_t& mask, int signal) {
 }
 
 void log_failed_wait(int code) {
-  char text[96];
-  snprintf(text, sizeof text, "Error (%d) occurred waiting for signal ... ignoring.", code);
-  LogInSystemLog(kError, text);
+  LogInSystemLog(kError, "Error (%d) occurred waiting for signal ... ignoring.", code);
 }
 
 // Waits for a signal of `mask`. Returns it; 0 after a failure, which is logged.
