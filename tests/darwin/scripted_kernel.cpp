@@ -1,11 +1,14 @@
 // tests/darwin/scripted_kernel.cpp: sysctl, Gestalt, Mach, the mount table and the sessions.
 #include <CoreServices/CoreServices.h>
+#include <assert.h>
 #include <ctype.h>
 #include <mach/mach.h>
 #include <sys/sysctl.h>
 
 #include <algorithm>
 #include <cerrno>
+#include <cstdio>
+#include <cstdlib>
 
 #include "tests/darwin/scripted_macos.h"
 
@@ -156,3 +159,10 @@ int __maskrune(int c, unsigned long classes) {
 int __tolower(int c) { return (*__ctype_tolower_loc())[static_cast<unsigned char>(c)]; }
 
 int __toupper(int c) { return (*__ctype_toupper_loc())[static_cast<unsigned char>(c)]; }
+
+// As macOS words it.
+void __assert_rtn(const char* function, const char* source, int line, const char* expression) {
+  fprintf(stderr, "Assertion failed: (%s), function %s, file %s, line %d.\n", expression, function,
+          source, line);
+  abort();
+}
