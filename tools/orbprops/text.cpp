@@ -120,7 +120,7 @@ std::string to_utf8(std::wstring_view text) {
   std::string out;
   out.reserve(text.size());
   for (wchar_t character : text) {
-    const uint32_t code = std::char_traits<wchar_t>::to_int_type(character);
+    const auto code = static_cast<uint32_t>(character);
     append_utf8(out, is_scalar(code) ? code : kReplacement);
   }
   return out;
