@@ -1,7 +1,11 @@
 // sysprops/collectors.h: names of processor codes, and whether the machine is a portable.
+//
+// The collectors themselves are the Get...Information members of ISysProps, which records.h
+// declares beside the records that they fill; this header brings it along.
 #pragma once
 
 #include "platform/export.h"
+#include "sysprops/records.h"
 
 namespace quillon_com::orb::sysprops {
 

@@ -82,5 +82,13 @@ INSTANTIATE_TEST_SUITE_P(Architectures, GestaltName,
                                          NameCase{"Negative", kArchitecture, -10, nullptr}),
                          [](const auto& row) { return std::string(row.param.name); });
 
+// With no header of ours but sysprops/collectors.h.
+TEST(CollectorsHeader, BringsTheCollectorsAndTheirRecords) {
+  CPUInformation record;
+  ISysProps().GetCPUInformation(record);
+  EXPECT_NE(DefaultProp_Val, record.numOfCPU);
+  EXPECT_EQ(DefaultProp_Val, record.cpuSerialNumber);
+}
+
 }  // namespace
 }  // namespace quillon_com::orb::sysprops
