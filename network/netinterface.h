@@ -123,7 +123,7 @@ ORB_EXPORT bool getMacAddr(std::string& mac, const std::string& name);
 
 // Assigns the numeric text of a netmask to `text`. `family` is that of the address which the mask
 // belongs to; it stands in where the mask's own family reads 0. Of `mask` only the bytes of its own
-// stated length are read (on a system without one: those of the family's record), the rest counts
+// stated length are read (on a system without one: those of its family's record), the rest counts
 // as zero. Returns false, `text` untouched, for a null `mask` and for a family without a text.
 ORB_EXPORT bool getNetMask(const unsigned int& family, sockaddr* mask, std::string& text);
 

@@ -14,8 +14,8 @@ bool in_table(int c) { return c >= -128 && c <= 255; }
 
 }  // namespace
 
-size_t stated_length(const sockaddr*, int family) {
-  switch (family) {
+size_t stated_length(const sockaddr* mask, int family) {
+  switch (mask->sa_family != AF_UNSPEC ? mask->sa_family : family) {
     case AF_INET:
       return sizeof(sockaddr_in);
     case AF_INET6:

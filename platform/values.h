@@ -7,9 +7,9 @@
 
 namespace quillon_com::orb::platform {
 
-// The bytes that belong to `mask`, an interface's netmask of `family`: the length that it states
-// itself where socket addresses carry one, else that of the family's record. At most the size of
-// sockaddr_storage. `mask` is not null.
+// The bytes that belong to `mask`, the netmask of an address of `family`: the length that it states
+// itself where socket addresses carry one, else that of the record of its own family, or of
+// `family` where its own reads 0. At most the size of sockaddr_storage. `mask` is not null.
 size_t stated_length(const sockaddr* mask, int family);
 
 // The number of a host's errno in the portability core's own numbering, found by the errno's name:

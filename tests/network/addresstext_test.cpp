@@ -3,7 +3,10 @@
 
 #include <gtest/gtest.h>
 #include <netinet/in.h>
+#include <sys/mman.h>
+#include <unistd.h>
 
+#include <cstring>
 #include <string>
 
 #include "tests/support/interface_entries.h"
@@ -82,6 +85,41 @@ TEST(MaskTextFailures, LeaveTheTextUntouched) {
   EXPECT_FALSE(mask_text(0, SocketAddress{}.get(), &text));
   EXPECT_FALSE(mask_text(0xffff, SocketAddress{}.get(), &text));
   EXPECT_EQ("old", text);
+}
+
+// A readable page with nothing behind it; gives the place where `size` bytes end with the page.
+class PageEnd {
+ public:
+  PageEnd() {
+    EXPECT_NE(MAP_FAILED, pages_);
+    EXPECT_EQ(0, mprotect(static_cast<char*>(pages_) + size_, size_, PROT_NONE));
+  }
+  PageEnd(const PageEnd&) = delete;
+  PageEnd& operator=(const PageEnd&) = delete;
+  ~PageEnd() { munmap(pages_, 2 * size_); }
+  sockaddr* last(size_t size) const {
+    return reinterpret_cast<sockaddr*>(static_cast<char*>(pages_) + size_ - size);
+  }
+
+ private:
+  const size_t size_ = static_cast<size_t>(sysconf(_SC_PAGESIZE));
+  void* const pages_ =
+      mmap(nullptr, 2 * size_, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
+};
+
+TEST(MaskTextBytes, OwnFamilyDecidesWhichBytesBelongToAMask) {
+  const PageEnd page;
+  for (const unsigned family : {AF_INET, AF_INET6, AF_UNSPEC}) {
+    std::string text;
+    const SocketAddress v4 = ipv4("255.255.240.0");
+    std::memcpy(page.last(sizeof(sockaddr_in)), v4.get(), sizeof(sockaddr_in));
+    EXPECT_TRUE(mask_text(family, page.last(sizeof(sockaddr_in)), &text));
+    EXPECT_EQ("255.255.240.0", text) << family;
+    const SocketAddress v6 = ipv6("ffff:ffff:ffff:ffff:ffff:ffff:ffff:fffc");
+    std::memcpy(page.last(sizeof(sockaddr_in6)), v6.get(), sizeof(sockaddr_in6));
+    EXPECT_TRUE(mask_text(family, page.last(sizeof(sockaddr_in6)), &text));
+    EXPECT_EQ("ffff:ffff:ffff:ffff:ffff:ffff:ffff:fffc", text) << family;
+  }
 }
 
 TEST(SubnetText, ShortenedMaskCountsAsZeroBeyondItsBytes) {
