@@ -135,14 +135,14 @@ int Resolver::local_address(const std::string& host, const std::string& service,
 int Resolver::local_address_from_list(const std::string& hosts, const std::string& service,
                                       bool ipv4_only, unsigned timeout_seconds,
                                       std::string* local) const {
-  std::string list = hosts;
   int result = -1;
+  size_t begin = 0;
   do {
-    const size_t end = std::min(list.find(';'), list.size());
-    result = local_address(list.substr(0, end), service, ipv4_only, NI_NUMERICHOST, timeout_seconds,
-                           local);
-    list.erase(0, end + 1);
-  } while (result != 0 && !list.empty());
+    const size_t end = std::min(hosts.find(';', begin), hosts.size());
+    result = local_address(hosts.substr(begin, end - begin), service, ipv4_only, NI_NUMERICHOST,
+                           timeout_seconds, local);
+    begin = end + 1;
+  } while (result != 0 && begin < hosts.size());
   return result;
 }
 
