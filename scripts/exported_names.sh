@@ -13,6 +13,7 @@ else
     sed -E '/^(___dso_handle|__mh_dylib_header) /d; s/^_//'
 fi | sed -E 's/ [A-Za-z] [0-9a-f]+( [0-9a-f]+)? *$//; s/@@?ORBCOMMON_[0-9.]+$//
   s/std::(__cxx11|__1)::/std::/g; s/\[abi:[a-z0-9]+\]//g; s/> >/>>/g; s/> >/>>/g
+  /vLogInSystemLog/s/, (__va_list_tag\*|std::__va_list|char\*)\)$/, va_list)/
   s/std::basic_string<char, std::char_traits<char>, std::allocator<char>>/std::string/g
   s/std::basic_string<wchar_t, std::char_traits<wchar_t>, std::allocator<wchar_t>>/std::wstring/g' |
   grep -vE '^ORBCOMMON_[0-9.]+$' | LC_ALL=C sort -u

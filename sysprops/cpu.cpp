@@ -35,13 +35,13 @@ Processor from_selectors(const platform::System& system) {
   Processor processor;
   char name[16];
   int32_t response = 0;
-  system.gestalt(kClockSelector, &response);
+  bool answered = system.gestalt(kClockSelector, &response);
   processor.clock_mhz = static_cast<uint32_t>(response) / kMegahertz;  // a count of 32 bits
-  system.gestalt(kArchitectureSelector, &response);                    // not reset: see the member
+  answered |= system.gestalt(kArchitectureSelector, &response);        // not reset: see the member
   if (ConvertGestaltSysArchToString(response, name)) processor.architecture = name;
   response = 0;
-  system.gestalt(kProcessorSelector, &response);
-  if (ConvertGestaltCPUTypeToString(response, name)) processor.model = name;
+  answered |= system.gestalt(kProcessorSelector, &response);
+  if (answered && ConvertGestaltCPUTypeToString(response, name)) processor.model = name;
   return processor;
 }
 

@@ -100,7 +100,8 @@ class ORB_EXPORT ISysProps {
   // `isPortable` untouched. `cpuSerialNumber` is never written.
   // Quirk: where the processor is asked for selector by selector, the architecture query starts
   // from the clock's response, so that a failed one looks the clock value up among the
-  // architectures.
+  // architectures, and a model that alone is not answered counts as code 0. When no selector is
+  // answered the clock is 0 MHz and neither name is known.
   bool GetCPUInformation(CPUInformation& record);
   // `computerName`, `domainName`, `ipHostName` and `ipxAddress` are always written, for at most one
   // host look-up. The address, its subnet and mask and its interface's hardware address come from
