@@ -19,12 +19,26 @@ inline void set_signalled(int32_t* word, int32_t value) {
   __atomic_store_n(word, value, __ATOMIC_SEQ_CST);
 }
 
+// The payload of a mutex handle. All of it is guarded by the handle's guard.
+struct OwnerMutex {
+  pthread_mutex_t mutex;  // locked while the handle is owned
+  bool held;
+  pthread_t holder;  // meaningless unless held
+};
+
+// Takes an owner mutex for the calling thread, waiting as long as it takes. False when the system
+// refuses.
+bool lock_owner(OwnerMutex* owner);
+
 // A zeroed handle record of `kind` with one reference, its condition and guard made; null when
 // there is no memory (12 stored in nErrno) or one of them cannot be made (nothing stored).
 _voxHandleObject_t* make_handle(uint32_t kind);
 
 // Undoes make_handle; `payload` is not looked at.
 void destroy_handle(_voxHandleObject_t* handle);
+
+// Releases every thread-local slot that this process allocated. No error word.
+void release_slots_of_process();
 
 // Parts the handle of a thread from the thread: a thread that still runs will signal
 // bDummyThreadSignalled instead. When this returns the thread no longer touches the handle record.

@@ -29,6 +29,13 @@ _voxHandleObject_t* make_handle(uint32_t kind) {
   return handle;
 }
 
+bool lock_owner(OwnerMutex* owner) {
+  if (pthread_mutex_lock(&owner->mutex) != 0) return false;
+  owner->held = true;
+  owner->holder = pthread_self();
+  return true;
+}
+
 void destroy_handle(_voxHandleObject_t* handle) {
   pthread_cond_destroy(&handle->condition);
   pthread_mutex_destroy(&handle->guard);
@@ -45,22 +52,35 @@ int reject() {
 }
 
 // The owner mutex of a new mutex handle, taken by the caller when `owned`; null on failure.
-pthread_mutex_t* make_owner(bool owned) {
-  auto* owner = static_cast<pthread_mutex_t*>(malloc(sizeof(pthread_mutex_t)));
+OwnerMutex* make_owner(bool owned) {
+  auto* owner = static_cast<OwnerMutex*>(malloc(sizeof(OwnerMutex)));
   if (owner == nullptr) {
     store_error(kErrNoMemory);
     return nullptr;
   }
-  if (pthread_mutex_init(owner, nullptr) != 0) {
+  memset(owner, 0, sizeof *owner);
+  if (pthread_mutex_init(&owner->mutex, nullptr) != 0) {
     free(owner);
     return nullptr;
   }
-  if (owned && pthread_mutex_lock(owner) != 0) {
-    pthread_mutex_destroy(owner);
+  if (owned && !lock_owner(owner)) {
+    pthread_mutex_destroy(&owner->mutex);
     free(owner);
     return nullptr;
   }
   return owner;
+}
+
+// Frees the owner mutex. Only its holder may unlock a mutex of the system: one that another thread
+// holds is made anew, one that nobody holds stays as it is.
+bool unlock_owner(OwnerMutex* owner) {
+  if (!owner->held) return true;
+  const bool mine = pthread_equal(owner->holder, pthread_self()) != 0;
+  const int code =
+      mine ? pthread_mutex_unlock(&owner->mutex) : pthread_mutex_init(&owner->mutex, nullptr);
+  if (code != 0) return false;
+  owner->held = false;
+  return true;
 }
 
 // What closing the last reference does for each kind.
@@ -96,7 +116,7 @@ _voxHandleObject_t* voxCreateEvent(void*, int manualReset, int initialState, con
   _voxHandleObject_t* handle = make_handle(HANDLE_TYPE_EVENT);
   if (handle != nullptr && initialState == 1 && voxSetEvent(handle) == 0) {
     store_error(kErrBusy);
-    voxCloseHandle(handle);
+    free(handle);
     return nullptr;
   }
   return handle;
@@ -139,7 +159,7 @@ int voxReleaseMutex(void* handle) {
   _voxHandleObject_t* mutex = record(handle);
   if (mutex->kind != HANDLE_TYPE_MUTEX) return reject();
   if (pthread_mutex_lock(&mutex->guard) != 0) return 0;
-  bool done = pthread_mutex_unlock(static_cast<pthread_mutex_t*>(mutex->payload)) == 0;
+  bool done = unlock_owner(static_cast<OwnerMutex*>(mutex->payload));
   if (done) {
     set_signalled(&mutex->signalled, 1);
     done = pthread_cond_broadcast(&mutex->condition) == 0;

@@ -77,14 +77,17 @@ ORB_EXPORT _voxHandleObject_t* voxCreateMutex(void* attributes, int initialOwner
 // Always null: there are no named mutexes. No error word.
 ORB_EXPORT _voxHandleObject_t* voxOpenMutex(uint32_t access, int inherit, const char* name);
 
-// Gives up a mutex that the caller owns and wakes its waiters. Null gives 0 without an error word;
-// a handle of another kind stores 22 in nErrno and gives 0; a failing pthread call gives 0.
+// Gives up a mutex and wakes its waiters. Null gives 0 without an error word; a handle of another
+// kind stores 22 in nErrno and gives 0; a failing pthread call gives 0. A mutex that nobody owns is
+// free afterwards too, and any thread may release one for its owner: both give 1.
 ORB_EXPORT int voxReleaseMutex(void* handle);
 
 // Waits until `handle` is signalled or `milliseconds` of the wall clock are over. A mutex is taken
 // by the wait; events and threads stay signalled.
-// Returns WAIT_OBJECT_0, WAIT_TIMEOUT, or WAIT_FAILED: for null, a file or an unknown kind with 22
-// in nErrno, for a failing pthread call without an error word. A time-out of 0 never sleeps.
+// Returns WAIT_OBJECT_0, WAIT_TIMEOUT, or WAIT_FAILED: for null, all ones (-1), a file or an
+// unknown kind with 22 in nErrno, for a failing pthread call without an error word. A time-out of 0
+// never sleeps. An owned mutex stays its owner's when voxSetEvent set it. A thread that is
+// cancelled in its wait leaves the handle usable.
 // Quirk: any wake-up of an event's or a thread's waiter is taken as a signal, even when the word
 // has been reset meanwhile; a mutex waiter looks again and waits on until its deadline. Quirk: a
 // deadline of exactly 1,000,000,000 nanoseconds is not carried into the seconds; the system refuses
@@ -93,12 +96,14 @@ ORB_EXPORT int voxReleaseMutex(void* handle);
 ORB_EXPORT uint64_t voxWaitForSingleObject(void* handle, uint64_t milliseconds);
 
 // Waits until one of `count` handles is signalled: they are visited in cyclic order from the first,
-// one turn of 10 ms each, until the turns taken add up to `milliseconds`.
+// one turn of 10 ms each, until the turns taken add up to `milliseconds`. A handle that is already
+// signalled and whose turn will come is found at once, the next in order first.
 // Returns WAIT_OBJECT_0 + index of the first found signalled, WAIT_TIMEOUT, WAIT_ABANDONED, or
 // WAIT_FAILED when `waitAll` is not 0 (waiting for all is not supported), when there is no handle
 // to wait on (22 in nErrno) or when a single wait fails. Quirk: turns are counted, not time: 25 ms
-// are three turns. INFINITE is 0xFFFFFFFF ms. A time-out of 0 gives WAIT_TIMEOUT without looking at
-// any handle. `handles` stays the caller's: an array of handles in either pointer type.
+// are three turns. Quirk: the second handle's result is WAIT_TIMEOUT's number, 3. INFINITE is
+// 0xFFFFFFFF ms. A time-out of 0 gives WAIT_TIMEOUT without looking at any handle. `handles` stays
+// the caller's: an array of handles in either pointer type.
 ORB_EXPORT uint64_t voxWaitForMultipleObjects(uint64_t count, const void* handles, int waitAll,
                                               uint64_t milliseconds);
 

@@ -95,16 +95,6 @@ void discard_thread_handle(_voxHandleObject_t* handle) {
   destroy_handle(handle);
 }
 
-void release_slots_of_process() {
-  const int64_t self = process_id();
-  for (uint32_t slot = 0; slot < kTlsSlots; ++slot) {
-    if (__atomic_load_n(&pTlsKeyTable[slot], __ATOMIC_ACQUIRE) != nullptr &&
-        __atomic_load_n(&nTlsOwnerTable[slot], __ATOMIC_ACQUIRE) == self) {
-      voxTlsFree(slot);
-    }
-  }
-}
-
 }  // namespace
 
 void detach_thread(_voxHandleObject_t* handle) {

@@ -82,7 +82,8 @@ ORB_EXPORT int64_t vxSO_ProcessAttach(void);
 ORB_EXPORT int vxSO_ProcessDetach(void);
 
 // Gives the calling thread an event unless it has one. Returns the handle it had, else 1 when the
-// new one is stored and 0 when it could not be (nothing stays allocated).
+// new one is stored and 0 when it could not be (nothing stays allocated). Quirk: without memory for
+// an event (12 in nErrno) the result is 1 too and the thread has none.
 ORB_EXPORT intptr_t vxSO_ThreadAttach(void);
 
 // Closes the calling thread's event, if any, and marks it as having none. Returns voxTlsSetValue's.

@@ -33,8 +33,8 @@ class TableGuard {
   TableGuard& operator=(const TableGuard&) = delete;
 };
 
-// table_lock is held by the callers of the next three. The exported words are stored atomically,
-// because callers may look at them at any time.
+// table_lock is held by the callers of the next three and of release. The exported words are stored
+// atomically, because callers may look at them at any time.
 void publish(size_t slot, pthread_key_t* cell, int64_t owner) {
   __atomic_store_n(&pTlsKeyTable[slot], cell, __ATOMIC_RELEASE);
   __atomic_store_n(&nTlsOwnerTable[slot], owner, __ATOMIC_RELEASE);
@@ -67,7 +67,27 @@ bool key_of(uint32_t slot, pthread_key_t* key) {
   return true;
 }
 
+// Frees a slot in use; false when the system cannot delete its key.
+bool release(uint32_t slot, pthread_key_t key) {
+  pthread_key_t* cell = pTlsKeyTable[slot];
+  publish(slot, nullptr, 0);
+  free(cell);
+  return pthread_key_delete(key) == 0;
+}
+
 }  // namespace
+
+void release_slots_of_process() {
+  const int64_t self = process_id();
+  TableGuard guard;
+  for (uint32_t slot = 0; slot < kTlsSlots; ++slot) {
+    const uint64_t word = keys[slot].load(std::memory_order_relaxed);
+    if (word != 0 && nTlsOwnerTable[slot] == self) {
+      release(slot, static_cast<pthread_key_t>(word - 1));
+    }
+  }
+}
+
 }  // namespace quillon_com::orb::portability
 
 using namespace quillon_com::orb::portability;
@@ -96,11 +116,7 @@ int64_t voxTlsAlloc() {
 int voxTlsFree(uint32_t slot) {
   TableGuard guard;
   pthread_key_t key{};
-  if (!key_of(slot, &key)) return 0;
-  pthread_key_t* cell = pTlsKeyTable[slot];
-  publish(slot, nullptr, 0);
-  free(cell);
-  return pthread_key_delete(key) == 0 ? 1 : 0;
+  return key_of(slot, &key) && release(slot, key) ? 1 : 0;
 }
 
 int voxTlsSetValue(uint32_t slot, void* value) {

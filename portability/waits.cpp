@@ -13,7 +13,7 @@ constexpr long kNanosecondsPerSecond = 1'000'000'000;
 constexpr uint64_t kTurn = 10;  // ms
 
 bool waitable(const _voxHandleObject_t* handle) {
-  return handle != nullptr && handle->kind >= HANDLE_TYPE_EVENT &&
+  return handle != nullptr && handle != no_handle() && handle->kind >= HANDLE_TYPE_EVENT &&
          handle->kind <= HANDLE_TYPE_MUTEX;
 }
 
@@ -31,28 +31,74 @@ bool deadline_after(uint64_t milliseconds, timespec* deadline) {
   return true;
 }
 
-// Sleeps until a wake-up counts; the guard is held on entry and return. 0 or the failed call's
-// code.
+OwnerMutex* owner_of(const _voxHandleObject_t* mutex) {
+  return static_cast<OwnerMutex*>(mutex->payload);
+}
+
+// Whether a wait need not sleep; the guard is held. A mutex that somebody set while it is owned is
+// not free: locking it here would keep the guard from the one that is to release it.
+bool is_ready(const _voxHandleObject_t* handle) {
+  return is_signalled(handle) && (handle->kind != HANDLE_TYPE_MUTEX || !owner_of(handle)->held);
+}
+
+void unlock_guard(void* guard) { pthread_mutex_unlock(static_cast<pthread_mutex_t*>(guard)); }
+
+// Sleeps until a wake-up counts; the guard is held on entry and return, and given back when the
+// thread is cancelled meanwhile. 0 or the failed call's code.
 int sleep_until_woken(_voxHandleObject_t* handle, const timespec* deadline) {
   int code = 0;
+  pthread_cleanup_push(unlock_guard, &handle->guard);
   do {
     code = deadline == nullptr
                ? pthread_cond_wait(&handle->condition, &handle->guard)
                : pthread_cond_timedwait(&handle->condition, &handle->guard, deadline);
-  } while (code == 0 && handle->kind == HANDLE_TYPE_MUTEX && !is_signalled(handle));
+  } while (code == 0 && handle->kind == HANDLE_TYPE_MUTEX && !is_ready(handle));
+  pthread_cleanup_pop(0);
   return code;
 }
 
 // Takes a signalled mutex; true for other kinds, which stay as they are.
 bool take(_voxHandleObject_t* handle) {
   if (handle->kind != HANDLE_TYPE_MUTEX) return true;
-  if (pthread_mutex_lock(static_cast<pthread_mutex_t*>(handle->payload)) != 0) return false;
+  if (!lock_owner(owner_of(handle))) return false;
   set_signalled(&handle->signalled, 0);
   return true;
 }
 
 uint64_t leave(_voxHandleObject_t* handle, uint64_t result) {
   return pthread_mutex_unlock(&handle->guard) == 0 ? result : uint64_t{WAIT_FAILED};
+}
+
+// Handles in the cyclic order of their turns, and the one whose turn is next.
+struct Round {
+  void* const* handles;
+  uint64_t count;
+  uint64_t index;
+
+  void advance() { index = index + 1 == count ? 0 : index + 1; }
+};
+
+// What a wait gives whose single wait on the handle at `index` gave `result`, not WAIT_TIMEOUT.
+uint64_t outcome(uint64_t result, uint64_t index) {
+  if (result == WAIT_OBJECT_0) return WAIT_OBJECT_0 + index;
+  return result == WAIT_ABANDONED ? WAIT_ABANDONED : WAIT_FAILED;
+}
+
+// Whether one of the next `turns` turns would end the wait if nothing changed but the clock, found
+// without sleeping; `given` is then what the wait gives. A handle that cannot be waited on is left
+// to its turn.
+bool look_ahead(Round round, uint64_t turns, uint64_t* given) {
+  const uint64_t reached = turns < round.count ? turns : round.count;
+  for (uint64_t seen = 0; seen < reached; ++seen, round.advance()) {
+    auto* handle = static_cast<_voxHandleObject_t*>(round.handles[round.index]);
+    if (!waitable(handle)) return false;
+    if (!is_signalled(handle)) continue;
+    const uint64_t result = voxWaitForSingleObject(handle, 0);
+    if (result == WAIT_TIMEOUT) continue;
+    *given = outcome(result, round.index);
+    return true;
+  }
+  return false;
 }
 
 }  // namespace
@@ -67,7 +113,7 @@ uint64_t voxWaitForSingleObject(void* handle, uint64_t milliseconds) {
     return WAIT_FAILED;
   }
   if (pthread_mutex_lock(&waited->guard) != 0) return WAIT_FAILED;
-  if (!is_signalled(waited)) {
+  if (!is_ready(waited)) {
     if (milliseconds == 0) return leave(waited, WAIT_TIMEOUT);
     timespec deadline{};
     const bool endless = milliseconds == INFINITE;
@@ -89,13 +135,13 @@ uint64_t voxWaitForMultipleObjects(uint64_t count, const void* handles, int wait
     store_error(kErrInvalid);
     return WAIT_FAILED;
   }
-  const auto* list = static_cast<void* const*>(handles);
-  uint64_t index = 0;
-  for (uint64_t elapsed = 0; elapsed < milliseconds; elapsed += kTurn) {
-    const uint64_t result = voxWaitForSingleObject(list[index], kTurn);
-    if (result == WAIT_OBJECT_0) return WAIT_OBJECT_0 + index;
-    if (result != WAIT_TIMEOUT) return result == WAIT_ABANDONED ? WAIT_ABANDONED : WAIT_FAILED;
-    if (++index == count) index = 0;
+  Round round{static_cast<void* const*>(handles), count, 0};
+  for (uint64_t elapsed = 0; elapsed < milliseconds; elapsed += kTurn, round.advance()) {
+    const uint64_t left = milliseconds - elapsed;
+    uint64_t given = 0;
+    if (look_ahead(round, left / kTurn + (left % kTurn != 0 ? 1 : 0), &given)) return given;
+    const uint64_t result = voxWaitForSingleObject(round.handles[round.index], kTurn);
+    if (result != WAIT_TIMEOUT) return outcome(result, round.index);
   }
   return WAIT_TIMEOUT;
 }
