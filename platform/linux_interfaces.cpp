@@ -34,9 +34,10 @@ size_t address_size(int family) {
   }
 }
 
-void copy_address(const sockaddr* from, SocketAddress* to) {
+// `family` stands in where the address has none of its own.
+void copy_address(const sockaddr* from, int family, SocketAddress* to) {
   if (from == nullptr) return;
-  const size_t size = address_size(from->sa_family);
+  const size_t size = address_size(from->sa_family != AF_UNSPEC ? from->sa_family : family);
   std::memcpy(&to->bytes, from, size);
   to->size = size;
 }
@@ -45,9 +46,8 @@ std::optional<std::array<unsigned char, 6>> link_address(const sockaddr* address
   if (address == nullptr || address->sa_family != AF_PACKET) return std::nullopt;
   sockaddr_ll link;
   std::memcpy(&link, address, sizeof link);
-  if (link.sll_halen == 0) return std::nullopt;
-  std::array<unsigned char, 6> bytes{};
-  std::copy_n(link.sll_addr, std::min<size_t>(link.sll_halen, bytes.size()), bytes.begin());
+  std::array<unsigned char, 6> bytes;
+  std::copy_n(link.sll_addr, bytes.size(), bytes.begin());
   return bytes;
 }
 
@@ -66,8 +66,9 @@ InterfaceEntry entry_of(const ifaddrs& entry) {
   const char* name = entry.ifa_name != nullptr ? entry.ifa_name : "";
   result.name.assign(name, strcspn(name, ":"));
   result.flags = entry.ifa_flags;
-  copy_address(entry.ifa_addr, &result.address);
-  copy_address(entry.ifa_netmask, &result.netmask);
+  const int family = entry.ifa_addr != nullptr ? entry.ifa_addr->sa_family : AF_UNSPEC;
+  copy_address(entry.ifa_addr, family, &result.address);
+  copy_address(entry.ifa_netmask, family, &result.netmask);
   result.link_address = link_address(entry.ifa_addr);
   return result;
 }

@@ -77,16 +77,28 @@ TEST(Entry, Ipv6) {
   EXPECT_EQ(7u, reinterpret_cast<const sockaddr_in6*>(entry.address.get())->sin6_scope_id);
 }
 
+TEST(Entry, AMaskWithoutFamilyIsAsLongAsItsAddress) {
+  sockaddr_storage address{};
+  address.ss_family = AF_INET6;
+  sockaddr_in6 record{};
+  record.sin6_addr.s6_addr[15] = 0xfe;
+  sockaddr_storage mask{};
+  std::memcpy(&mask, &record, sizeof record);
+  const InterfaceEntry entry = entry_with(&address, &mask);
+  EXPECT_EQ(sizeof(sockaddr_in6), entry.netmask.size);
+  EXPECT_EQ(0, std::memcmp(&record, &entry.netmask.bytes, sizeof record));
+}
+
 struct LinkCase {
   const char* name;
   unsigned char length;
   std::string bytes;
-  std::optional<std::array<unsigned char, 6>> address;
+  std::array<unsigned char, 6> address;
 };
 
 class LinkAddress : public testing::TestWithParam<LinkCase> {};
 
-TEST_P(LinkAddress, HasSixBytes) {
+TEST_P(LinkAddress, HasSixBytesWhateverItsStatedLength) {
   sockaddr_storage address = link(GetParam().length, GetParam().bytes);
   EXPECT_EQ(GetParam().address, entry_with(&address).link_address);
 }
@@ -98,10 +110,9 @@ INSTANTIATE_TEST_SUITE_P(
     testing::Values(LinkCase{"Ethernet", 6, "\x02\x1c\x42\x0a\xff\x01",
                              Six{0x02, 0x1c, 0x42, 0x0a, 0xff, 0x01}},
                     LinkCase{"LoopbackOfZeros", 6, "", Six{}},
-                    LinkCase{"NoneOnATunnel", 0, "", std::nullopt},
-                    LinkCase{"NoneThoughBytesStandThere", 0, "\x01\x02", std::nullopt},
-                    LinkCase{"ShorterIsFilledWithZero", 4, "\x0a\x01\x02\x03\x04\x05",
-                             Six{0x0a, 0x01, 0x02, 0x03, 0, 0}},
+                    LinkCase{"StatedLengthOfZero", 0, "\x01\x02", Six{1, 2, 0, 0, 0, 0}},
+                    LinkCase{"StatedLengthOfFour", 4, "\x0a\x01\x02\x03\x04\x05",
+                             Six{0x0a, 0x01, 0x02, 0x03, 0x04, 0x05}},
                     LinkCase{"FirstSixOfTwenty", 20, "\x01\x02\x03\x04\x05\x06\x07\x08",
                              Six{1, 2, 3, 4, 5, 6}}),
     [](const auto& row) { return row.param.name; });
