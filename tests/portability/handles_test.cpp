@@ -363,8 +363,7 @@ TEST(CloseHandle, GivesZeroWhenTheGuardFails) {
 }
 
 // A waiter closes the event as soon as its wait returns, while the setter may still be leaving.
-TEST(HandleStress, SetInOneThreadWaitAndCloseInAnother) {
-  const long rounds = orbtest::stress_rounds(20000);
+void set_wait_and_close(long rounds) {
   std::atomic<void*> passed{nullptr};
   std::thread setter([&] {
     for (long round = 0; round < rounds; ++round) {
@@ -380,6 +379,13 @@ TEST(HandleStress, SetInOneThreadWaitAndCloseInAnother) {
     EXPECT_EQ(voxCloseHandle(event), 1);
   }
   setter.join();
+}
+
+TEST(HandleStress, SetInOneThreadWaitAndCloseInAnother) {
+  const long rounds = orbtest::stress_rounds(20000);
+  std::thread second(set_wait_and_close, rounds);
+  set_wait_and_close(rounds);
+  second.join();
 }
 
 }  // namespace

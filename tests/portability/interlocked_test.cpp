@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "portability/handles.h"
+#include "tests/support/callfaults.h"
 
 namespace {
 
@@ -74,23 +75,33 @@ TEST(Interlocked, EveryExchangedValueIsSeenOnce) {
   EXPECT_EQ(sums[0] + sums[1] + cell, 2 * (kValues * (kValues + 1) / 2));
 }
 
-TEST(Interlocked, QuirkAStepMeetingStepsElsewhereReturnsAValueReadLater) {
-  // Two threads step the same word: every result lies between the step's own and the final value.
-  constexpr long kSteps = 20000;
-  long value = 0;
-  bool in_range[2] = {true, true};
-  std::vector<std::thread> threads;
-  for (int n = 0; n < 2; ++n) {
-    threads.emplace_back([&value, ok = &in_range[n]] {
-      for (long step = 1; step <= kSteps; ++step) {
-        const long seen = voxInterlockedIncrement(&value);
-        *ok = *ok && seen >= step && seen <= 2 * kSteps;
-      }
-    });
+TEST(Interlocked, QuirkAChangeBehindTheMutexShowsInTheResult) {
+  for (long (*step)(long*) : {voxInterlockedIncrement, voxInterlockedDecrement}) {
+    long value = 41;
+    orbtest::AfterCall change("pthread_mutex_unlock", [&value] { value = 100; });
+    EXPECT_EQ(step(&value), 100);
   }
-  for (std::thread& thread : threads) thread.join();
-  EXPECT_TRUE(in_range[0] && in_range[1]);
-  EXPECT_EQ(value, 2 * kSteps);
+  long value = 41;
+  orbtest::AfterCall change("pthread_mutex_unlock", [&value] { value = 100; });
+  EXPECT_EQ(voxInterlockedExchange(&value, 7), 41) << "exchange reads inside";
+}
+
+TEST(Interlocked, StepsAndExchangesHaveAMutexEach) {
+  long stepped = 0;
+  long swapped = 0;
+  long step_inside = 0;
+  long swap_inside = 0;
+  {
+    // Inside the one mutex the other is free.
+    orbtest::AfterCall other("pthread_mutex_lock",
+                             [&] { swap_inside = voxInterlockedExchange(&swapped, 5); });
+    EXPECT_EQ(voxInterlockedIncrement(&stepped), 1);
+  }
+  orbtest::AfterCall other("pthread_mutex_lock",
+                           [&] { step_inside = voxInterlockedDecrement(&stepped); });
+  EXPECT_EQ(voxInterlockedExchange(&swapped, 6), 5);
+  EXPECT_EQ(swap_inside, 0);
+  EXPECT_EQ(step_inside, 0);
 }
 
 }  // namespace

@@ -5,6 +5,7 @@
 #include <sys/time.h>
 
 #include <cerrno>
+#include <utility>
 
 namespace {
 
@@ -33,6 +34,21 @@ int failure_of(std::string_view function) {
   return watch.code;
 }
 
+struct Follower {
+  std::string_view function;
+  std::function<void()> action;
+};
+
+thread_local Follower follower;
+
+// Passes on the result of a call of `function`, once what is to follow it is done.
+int followed(std::string_view function, int result) {
+  if (follower.function != function) return result;
+  follower.function = {};
+  follower.action();
+  return result;
+}
+
 }  // namespace
 
 namespace orbtest {
@@ -43,6 +59,11 @@ CallFaults::CallFaults(std::string_view function, int code, size_t nth, Failing 
 CallFaults::~CallFaults() { watch.function = {}; }
 size_t CallFaults::calls() const { return watch.calls; }
 size_t CallFaults::failures() const { return watch.failures; }
+
+AfterCall::AfterCall(std::string_view function, std::function<void()> action) {
+  follower = {function, std::move(action)};
+}
+AfterCall::~AfterCall() { follower = {}; }
 
 StoppedClock::StoppedClock(time_t seconds, long microseconds) {
   stopped_at = {seconds, microseconds};
@@ -55,11 +76,11 @@ timespec last_deadline() { return deadline; }
 }  // namespace orbtest
 
 // Defines the stand-in of a pthread function: its name, its parameters and the same as arguments.
-#define ORB_WATCHED(name, parameters, arguments)       \
-  int __real_##name parameters;                        \
-  int __wrap_##name parameters {                       \
-    const int code = failure_of(#name);                \
-    return code != 0 ? code : __real_##name arguments; \
+#define ORB_WATCHED(name, parameters, arguments)                        \
+  int __real_##name parameters;                                         \
+  int __wrap_##name parameters {                                        \
+    const int code = failure_of(#name);                                 \
+    return code != 0 ? code : followed(#name, __real_##name arguments); \
   }
 
 extern "C" {

@@ -8,6 +8,7 @@
 
 #include <ctime>
 
+#include <functional>
 #include <string_view>
 
 #include "tests/support/faults.h"
@@ -26,6 +27,16 @@ class CallFaults {
 
   size_t calls() const;  // made in this scope, the failed ones included
   size_t failures() const;
+};
+
+// While it lives, `action` runs right behind the first call of the pthread function `function` that
+// this thread makes and the system answers. At most one scope is alive in a thread.
+class AfterCall {
+ public:
+  AfterCall(std::string_view function, std::function<void()> action);
+  AfterCall(const AfterCall&) = delete;
+  AfterCall& operator=(const AfterCall&) = delete;
+  ~AfterCall();
 };
 
 // While it lives, gettimeofday tells this thread `seconds` and `microseconds`.
