@@ -23,17 +23,16 @@ constexpr uint64_t kKilo = 1000;
 }  // namespace
 
 CpuInfo LinuxSystem::read_cpu_info() const {
-  const int descriptor = open(at("/proc/cpuinfo").c_str(), kReadFlags);
-  if (descriptor < 0) return CpuInfo{};
+  const Descriptor file(open(at("/proc/cpuinfo").c_str(), kReadFlags));
+  if (!file.is_open()) return CpuInfo{};
   std::string text;
-  read_descriptor(descriptor, kCpuInfoPiece, &text);
+  read_descriptor(file.number(), kCpuInfoPiece, &text);
   CpuInfo info = cpu_info(text);
   // The flags stand behind the name and the clock: once they show this one, all is said.
   if (!info.hypervisor && text.size() == kCpuInfoPiece) {
-    read_descriptor(descriptor, kCpuInfoLimit - kCpuInfoPiece, &text);
+    read_descriptor(file.number(), kCpuInfoLimit - kCpuInfoPiece, &text);
     info = cpu_info(text);
   }
-  close(descriptor);
   if (info.hypervisor && is_running_machine()) seen_hypervisor_ = true;
   return info;
 }

@@ -34,22 +34,6 @@ std::string field_text(const char (&field)[N]) {
   return std::string(field, strnlen(field, N));
 }
 
-// Closes what it holds, also when memory runs out meanwhile.
-class Descriptor {
- public:
-  explicit Descriptor(int number) : number_(number) {}
-  Descriptor(const Descriptor&) = delete;
-  Descriptor& operator=(const Descriptor&) = delete;
-  ~Descriptor() {
-    if (is_open()) close(number_);
-  }
-  bool is_open() const { return number_ >= 0; }
-  int number() const { return number_; }
-
- private:
-  const int number_;
-};
-
 // Closes first, so that a command that keeps printing ends, and then waits for it.
 struct PipeCloser {
   void operator()(FILE* pipe) const { pclose(pipe); }
@@ -72,6 +56,10 @@ std::string_view first_word(std::string_view command) {
 }
 
 }  // namespace
+
+Descriptor::~Descriptor() {
+  if (is_open()) close(number_);
+}
 
 unsigned PosixSystem::interface_index(const std::string& name) const {
   return if_nametoindex(name.c_str());

@@ -38,6 +38,22 @@ class PosixSystem : public System {
   bool file_bytes(const std::string& path, size_t limit, std::string* bytes) const override;
 };
 
+// A file descriptor that is closed with its holder, also when memory runs out meanwhile.
+class Descriptor {
+ public:
+  // Takes `number` over; a negative one is no descriptor.
+  explicit Descriptor(int number) : number_(number) {}
+  Descriptor(const Descriptor&) = delete;
+  Descriptor& operator=(const Descriptor&) = delete;
+  ~Descriptor();
+
+  bool is_open() const { return number_ >= 0; }
+  int number() const { return number_; }
+
+ private:
+  const int number_;
+};
+
 // Appends what can be read from `descriptor`, at most `limit` bytes, to `bytes`. Stops at the end,
 // at the limit and at the first error; a signal is no error. The descriptor stays open.
 void read_descriptor(int descriptor, size_t limit, std::string* bytes);
