@@ -26,8 +26,8 @@ struct OwnerMutex {
   pthread_t holder;  // meaningless unless held
 };
 
-// Takes an owner mutex for the calling thread, waiting as long as it takes. False when the system
-// refuses.
+// Takes an owner mutex that nobody holds for the calling thread; it never waits, because the guard
+// is held. False when the system refuses.
 bool lock_owner(OwnerMutex* owner);
 
 // A zeroed handle record of `kind` with one reference, its condition and guard made; null when

@@ -30,7 +30,7 @@ _voxHandleObject_t* make_handle(uint32_t kind) {
 }
 
 bool lock_owner(OwnerMutex* owner) {
-  if (pthread_mutex_lock(&owner->mutex) != 0) return false;
+  if (pthread_mutex_trylock(&owner->mutex) != 0) return false;
   owner->held = true;
   owner->holder = pthread_self();
   return true;
@@ -71,15 +71,20 @@ OwnerMutex* make_owner(bool owned) {
   return owner;
 }
 
-// Frees the owner mutex. Only its holder may unlock a mutex of the system: one that another thread
-// holds is made anew, one that nobody holds stays as it is.
-bool unlock_owner(OwnerMutex* owner) {
+// Frees the owner mutex of `mutex`, whose guard is held. Only its holder may unlock a mutex of the
+// system: one that another thread holds gives way to a new one, one that nobody holds stays.
+bool unlock_owner(_voxHandleObject_t* mutex) {
+  auto* owner = static_cast<OwnerMutex*>(mutex->payload);
   if (!owner->held) return true;
-  const bool mine = pthread_equal(owner->holder, pthread_self()) != 0;
-  const int code =
-      mine ? pthread_mutex_unlock(&owner->mutex) : pthread_mutex_init(&owner->mutex, nullptr);
-  if (code != 0) return false;
-  owner->held = false;
+  if (pthread_equal(owner->holder, pthread_self()) != 0) {
+    if (pthread_mutex_unlock(&owner->mutex) != 0) return false;
+    owner->held = false;
+    return true;
+  }
+  OwnerMutex* fresh = make_owner(false);
+  if (fresh == nullptr) return false;
+  mutex->payload = fresh;
+  free(owner);
   return true;
 }
 
@@ -159,7 +164,7 @@ int voxReleaseMutex(void* handle) {
   _voxHandleObject_t* mutex = record(handle);
   if (mutex->kind != HANDLE_TYPE_MUTEX) return reject();
   if (pthread_mutex_lock(&mutex->guard) != 0) return 0;
-  bool done = unlock_owner(static_cast<OwnerMutex*>(mutex->payload));
+  bool done = unlock_owner(mutex);
   if (done) {
     set_signalled(&mutex->signalled, 1);
     done = pthread_cond_broadcast(&mutex->condition) == 0;

@@ -100,6 +100,7 @@ ORB_WATCHED(pthread_key_delete, (pthread_key_t key), (key))
 ORB_WATCHED(pthread_mutex_init, (pthread_mutex_t * made, const pthread_mutexattr_t* with),
             (made, with))
 ORB_WATCHED(pthread_mutex_lock, (pthread_mutex_t * mutex), (mutex))
+ORB_WATCHED(pthread_mutex_trylock, (pthread_mutex_t * mutex), (mutex))
 ORB_WATCHED(pthread_mutex_unlock, (pthread_mutex_t * mutex), (mutex))
 ORB_WATCHED(pthread_setspecific, (pthread_key_t key, const void* value), (key, value))
 
