@@ -6,9 +6,8 @@
 
 #include <cstdlib>
 #include <cstring>
-#include <string>
 
-#include "fileutil/conversions.h"
+#include "portability/dynlibparts.h"
 #include "portability/handleparts.h"
 
 _voxDynamicLibrary_t* pDynamicLibraryList[kDynamicLibraries];
@@ -16,38 +15,53 @@ _voxDynamicLibrary_t* pDynamicLibraryList[kDynamicLibraries];
 namespace quillon_com::orb::portability {
 namespace {
 
-constexpr size_t kMessageSize = 512;
-constexpr size_t kLongestLoaderText = 510;
 constexpr size_t kPathSize = sizeof(_voxDynamicLibrary_t::path);
 
+// Serialises loads and releases; held while an entry point runs.
 pthread_mutex_t MutexDynamicLibraryList = PTHREAD_MUTEX_INITIALIZER;
+
+// Guards the table and its records for those who look without MutexDynamicLibraryList, as an entry
+// point may; never held while foreign code runs.
+pthread_mutex_t table_lock = PTHREAD_MUTEX_INITIALIZER;
 
 // The buffers' own lock: failing callers of several threads write them at once.
 pthread_mutex_t message_lock = PTHREAD_MUTEX_INITIALIZER;
 
+bool first_call = true;  // guarded by MutexDynamicLibraryList
+
+// A mutex held for a scope; not held, and not given up, when it cannot be taken.
+class Hold {
+ public:
+  explicit Hold(pthread_mutex_t* mutex)
+      : mutex_(pthread_mutex_lock(mutex) == 0 ? mutex : nullptr) {}
+  ~Hold() {
+    if (mutex_ != nullptr) pthread_mutex_unlock(mutex_);
+  }
+  Hold(const Hold&) = delete;
+  Hold& operator=(const Hold&) = delete;
+  explicit operator bool() const { return mutex_ != nullptr; }
+
+ private:
+  pthread_mutex_t* mutex_;
+};
+
 // Empties a function's message and publishes its address.
 void begin_message(char* message, char** out) {
-  pthread_mutex_lock(&message_lock);
-  *message = '\0';
-  pthread_mutex_unlock(&message_lock);
+  {
+    const Hold hold(&message_lock);
+    *message = '\0';
+  }
   if (out != nullptr) *out = message;
 }
 
 void set_message(char* message, const char* text) {
-  pthread_mutex_lock(&message_lock);
+  const Hold hold(&message_lock);
   const size_t length = strnlen(text, kLongestLoaderText);
   memcpy(message, text, length);
   message[length] = '\0';
-  pthread_mutex_unlock(&message_lock);
 }
 
-// The loader's last text of this thread.
-const char* loader_text() {
-  const char* text = dlerror();
-  return text == nullptr ? "" : text;
-}
-
-// Places of the table, under MutexDynamicLibraryList; kDynamicLibraries when there is none.
+// Places of the table, under one of its two locks; kDynamicLibraries when there is none.
 size_t place_of_path(const char* path) {
   for (size_t place = 0; place < kDynamicLibraries; ++place) {
     const _voxDynamicLibrary_t* entry = pDynamicLibraryList[place];
@@ -71,7 +85,19 @@ size_t free_place() {
 }
 
 void put(size_t place, _voxDynamicLibrary_t* entry) {
-  __atomic_store_n(&pDynamicLibraryList[place], entry, __ATOMIC_RELEASE);
+  const Hold hold(&table_lock);
+  pDynamicLibraryList[place] = entry;
+}
+
+bool is_loaded(const void* library) {
+  const Hold hold(&table_lock);
+  return place_of_library(library) != kDynamicLibraries;
+}
+
+void clear_table_once() {
+  if (!first_call) return;
+  first_call = false;
+  for (size_t place = 0; place < kDynamicLibraries; ++place) put(place, nullptr);
 }
 
 // Opens the library and asks its entry point. Null with a message when either refuses.
@@ -114,6 +140,7 @@ void* load_new(const char* path, char* message) {
 }
 
 void* load(const char* path, char* message) {
+  clear_table_once();
   const size_t place = place_of_path(path);
   if (place == kDynamicLibraries) return load_new(path, message);
   ++pDynamicLibraryList[place]->references;
@@ -131,6 +158,19 @@ int unload(size_t place) {
 }
 
 }  // namespace
+
+void copy_message(const char* message, char (&copy)[kMessageSize]) {
+  const Hold hold(&message_lock);
+  memcpy(copy, message, kMessageSize);
+}
+
+void forget_loader_text() { dlerror(); }
+
+const char* loader_text() {
+  const char* text = dlerror();
+  return text == nullptr ? "" : text;
+}
+
 }  // namespace quillon_com::orb::portability
 
 using namespace quillon_com::orb::portability;
@@ -142,45 +182,51 @@ void* voxLoadLibrary(const char* path, char** errorText) {
     store_error(kErrInvalid);
     return nullptr;
   }
-  if (pthread_mutex_lock(&MutexDynamicLibraryList) != 0) {
+  const Hold hold(&MutexDynamicLibraryList);
+  if (!hold) {
     store_error(kErrBusy);
     set_message(message, "locked");
     return nullptr;
   }
-  void* library = load(path, message);
-  pthread_mutex_unlock(&MutexDynamicLibraryList);
-  return library;
+  return load(path, message);
 }
 
 int voxFreeLibrary(void* library) {
-  if (pthread_mutex_lock(&MutexDynamicLibraryList) != 0) {
+  if (!is_loaded(library)) {
+    store_error(kErrInvalid);
+    return 0;
+  }
+  const Hold hold(&MutexDynamicLibraryList);
+  if (!hold) {
     store_error(kErrBusy);
     return 0;
   }
-  int result = 1;
   const size_t place = place_of_library(library);
-  if (place == kDynamicLibraries) {
+  if (place == kDynamicLibraries) {  // released by another thread meanwhile
     store_error(kErrInvalid);
-    result = 0;
-  } else if (--pDynamicLibraryList[place]->references < 1) {
-    result = unload(place);
+    return 0;
   }
-  pthread_mutex_unlock(&MutexDynamicLibraryList);
-  return result;
+  return --pDynamicLibraryList[place]->references < 1 ? unload(place) : 1;
 }
 
 void* voxGetProcAddress(void* library, const char* name, char** errorText) {
   static char message[kMessageSize];
   begin_message(message, errorText);
+  if (name == nullptr) {
+    store_error(kErrInvalid);
+    return nullptr;
+  }
+  forget_loader_text();
   void* address = dlsym(library, name);
   if (address == nullptr) set_message(message, loader_text());
   return address;
 }
 
 int voxDisableThreadLibraryCalls(void* library) {
-  if (library == nullptr || pthread_mutex_lock(&MutexDynamicLibraryList) != 0) return 0;
+  if (library == nullptr) return 0;
+  const Hold hold(&table_lock);
   const size_t place = place_of_library(library);
-  if (place != kDynamicLibraries) pDynamicLibraryList[place]->threadCallsDisabled = 1;
-  pthread_mutex_unlock(&MutexDynamicLibraryList);
-  return place != kDynamicLibraries ? 1 : 0;
+  if (place == kDynamicLibraries) return 0;
+  pDynamicLibraryList[place]->threadCallsDisabled = 1;
+  return 1;
 }

@@ -1,9 +1,9 @@
 // portability/dynlib.h: Windows-style loading of shared libraries.
 //
 // Loads and releases of all threads are serialised by one lock, and a library's entry point runs
-// while it is held: it must not load or free libraries. The message buffers are static, one per
-// function, shared by all threads and overwritten by the next call. Results are 1 for success and 0
-// for failure unless a comment says otherwise.
+// while it is held: it must not load or free libraries (the other functions it may call). The
+// message buffers are static, one per function, shared by all threads and overwritten by the next
+// call. Results are 1 for success and 0 for failure unless a comment says otherwise.
 #pragma once
 
 #include <stdint.h>
@@ -50,7 +50,8 @@ ORB_EXPORT void* voxLoadLibraryW(const wchar_t* path, wchar_t** errorText);
 // a failing unload without an error word, although the library is forgotten then.
 ORB_EXPORT int voxFreeLibrary(void* library);
 
-// The address of the export `name`, null when there is none; the message as in voxLoadLibrary.
+// The address of the export `name`, null when there is none; the message as in voxLoadLibrary. A
+// null `name` stores 22 in nErrno and gives null, with an empty message.
 ORB_EXPORT void* voxGetProcAddress(void* library, const char* name, char** errorText);
 
 // Loads the library at `path` without the table and stores its handle in `*handle`. A null `handle`
@@ -68,7 +69,8 @@ ORB_EXPORT int32_t voxLoadString(void* module, uint32_t id, char* buffer, int32_
 // Does nothing and returns 1.
 ORB_EXPORT int voxTranslateMessage(const void* message);
 
-// Marks a loaded library. Null or an unknown handle gives 0, without an error word.
+// Marks a loaded library. Null or an unknown handle gives 0, without an error word; a library's
+// handle is unknown until its entry point has accepted the load.
 ORB_EXPORT int voxDisableThreadLibraryCalls(void* library);
 
 ORB_EXTERN_C_END

@@ -65,22 +65,48 @@ _voxFileRecord_t* checked_file(void* handle) {
   return file;
 }
 
+void discard_file_record(_voxFileRecord_t* file) {
+  free(file->wholePath);
+  free(file);
+}
+
 // A file record of `path`, without a descriptor; null, with 12 in nErrno, when there is no memory.
 _voxFileRecord_t* make_file_record(const char* path, bool delete_on_close) {
   auto* file = static_cast<_voxFileRecord_t*>(calloc(1, sizeof(_voxFileRecord_t)));
-  if (file == nullptr) {
+  const size_t size = strlen(path) + 1;
+  if (file != nullptr && delete_on_close) file->wholePath = static_cast<char*>(malloc(size));
+  if (file == nullptr || (delete_on_close && file->wholePath == nullptr)) {
+    free(file);
     store_error(kErrNoMemory);
     return nullptr;
   }
+  if (delete_on_close) memcpy(file->wholePath, path, size);
   file->deleteOnClose = delete_on_close ? 1 : 0;
   memcpy(file->path, path, strnlen(path, sizeof file->path));
   return file;
 }
 
+// A file handle without a file record. Its condition and guard are made by assignment, which
+// cannot fail. Null, with 12 in nErrno, when there is no memory.
+_voxHandleObject_t* make_file_handle() {
+  static const pthread_cond_t condition = PTHREAD_COND_INITIALIZER;
+  static const pthread_mutex_t guard = PTHREAD_MUTEX_INITIALIZER;
+  auto* handle = static_cast<_voxHandleObject_t*>(calloc(1, sizeof(_voxHandleObject_t)));
+  if (handle == nullptr) {
+    store_error(kErrNoMemory);
+    return nullptr;
+  }
+  handle->kind = HANDLE_TYPE_FILE;
+  handle->references = 1;
+  memcpy(&handle->condition, &condition, sizeof condition);
+  memcpy(&handle->guard, &guard, sizeof guard);
+  return handle;
+}
+
 // A read's or write's count as callers get it.
 int deliver(ssize_t count, uint32_t* out) {
   if (count < 0) return 0;
-  *out = static_cast<uint32_t>(count);
+  if (out != nullptr) *out = static_cast<uint32_t>(count);
   return 1;
 }
 
@@ -89,11 +115,8 @@ int deliver(ssize_t count, uint32_t* out) {
 bool close_file(void* payload) {
   auto* file = static_cast<_voxFileRecord_t*>(payload);
   if (close(file->descriptor) != 0) return false;
-  if (file->deleteOnClose == 1) {
-    const std::string path(file->path, strnlen(file->path, sizeof file->path));
-    if (remove(path.c_str()) != 0) return false;
-  }
-  free(file);
+  if (file->deleteOnClose == 1 && remove(file->wholePath) != 0) return false;
+  discard_file_record(file);
   return true;
 }
 
@@ -110,7 +133,7 @@ _voxHandleObject_t* voxCreateFileAW(const char* path, uint32_t access, uint32_t,
   }
   const int descriptor = open(path, how, kNewFileMode);
   if (descriptor < 0) return nullptr;
-  _voxHandleObject_t* handle = make_handle(HANDLE_TYPE_FILE);
+  _voxHandleObject_t* handle = make_file_handle();
   if (handle != nullptr) handle->payload = make_file_record(path, flags == kDeleteOnClose);
   if (handle == nullptr || handle->payload == nullptr) {
     if (handle != nullptr) destroy_handle(handle);
@@ -175,6 +198,7 @@ uint32_t voxGetTempFileName(const char* directory, const char* prefix, uint32_t 
 }
 
 int voxMoveFile(const char* oldPath, const char* newPath) {
+  if (oldPath == nullptr || newPath == nullptr) return 0;
   return rename(oldPath, newPath) == 0 ? 1 : 0;
 }
 

@@ -18,6 +18,7 @@ typedef struct _voxFileRecord_t {
   int32_t deleteOnClose;  // 1 when voxCloseHandle removes the file
   int32_t endOfFile;      // 1 once a read gave 0 bytes
   char path[260];         // as given; not terminated when it has 260 bytes or more
+  char* wholePath;        // private: what voxCloseHandle removes, null when it removes nothing
 } _voxFileRecord_t;
 
 // Opens or creates the file `path` with mode 0660 (less the umask).
@@ -66,7 +67,7 @@ ORB_EXPORT int64_t voxGetFileSize(void* handle, uint32_t* high);
 ORB_EXPORT uint32_t voxGetTempFileName(const char* directory, const char* prefix, uint32_t unique,
                                        char* out);
 
-// Renames `oldPath` to `newPath`, replacing a file of that name.
+// Renames `oldPath` to `newPath`, replacing a file of that name. A null path gives 0.
 ORB_EXPORT int voxMoveFile(const char* oldPath, const char* newPath);
 
 // Does nothing and returns 1.

@@ -10,15 +10,16 @@
 
 #include "fileutil/conversions.h"
 #include "portability/dynlib.h"
+#include "portability/dynlibparts.h"
 #include "portability/handleparts.h"
 
+using namespace quillon_com::orb::portability;
 using quillon_com::orb::voxcomn_ansi_to_wide;
 using quillon_com::orb::voxcomn_wide_to_ansi;
 
 namespace {
 
 constexpr size_t kWideMessageSize = 512;
-constexpr size_t kLongestLoaderText = 510;
 
 using LoadString = int32_t (*)(void* module, uint32_t id, char* buffer, int32_t size);
 
@@ -32,6 +33,16 @@ void set_wide_message(wchar_t* message, const std::wstring& text) {
   pthread_mutex_unlock(&wide_message_lock);
 }
 
+// Turns the narrow function's message into the wide one; without memory it stays empty.
+void widen_message(const char* narrow, wchar_t* message) {
+  char copy[kMessageSize];
+  copy_message(narrow, copy);
+  try {
+    set_wide_message(message, voxcomn_ansi_to_wide(copy));
+  } catch (const std::bad_alloc&) {
+  }
+}
+
 }  // namespace
 
 void* voxLoadLibraryW(const wchar_t* path, wchar_t** errorText) {
@@ -39,26 +50,27 @@ void* voxLoadLibraryW(const wchar_t* path, wchar_t** errorText) {
   set_wide_message(message, L"");
   if (errorText != nullptr) *errorText = message;
   if (path == nullptr) {
-    quillon_com::orb::portability::store_error(kErrInvalid);
+    store_error(kErrInvalid);
     return nullptr;
   }
+  std::string narrow_path;
   try {
-    char* narrow_message = nullptr;
-    void* library = voxLoadLibrary(voxcomn_wide_to_ansi(path).c_str(), &narrow_message);
-    if (errorText != nullptr) set_wide_message(message, voxcomn_ansi_to_wide(narrow_message));
-    return library;
+    narrow_path = voxcomn_wide_to_ansi(path);
   } catch (const std::bad_alloc&) {
-    quillon_com::orb::portability::store_error(kErrNoMemory);
+    store_error(kErrNoMemory);
     return nullptr;
   }
+  char* narrow_message = nullptr;
+  void* library = voxLoadLibrary(narrow_path.c_str(), &narrow_message);
+  if (errorText != nullptr) widen_message(narrow_message, message);
+  return library;
 }
 
 int load_shared_object_image(void** handle, const char* path, char* message) {
   if (handle == nullptr || path == nullptr) return 0;
   *handle = dlopen(path, RTLD_LAZY);
   if (*handle != nullptr) return 1;
-  const char* text = dlerror();
-  if (message != nullptr && text != nullptr) strncat(message, text, kLongestLoaderText);
+  if (message != nullptr) strncat(message, loader_text(), kLongestLoaderText);
   return 0;
 }
 

@@ -71,7 +71,7 @@ int LinkedList_AddTail(_LinkedList_t* list, void* item) {
 }
 
 void* LinkedList_RemoveTail(_LinkedList_t* list) {
-  if (list == nullptr || list->count == 0) return nullptr;
+  if (list == nullptr || list->count == 0 || list->lpTail == nullptr) return nullptr;
   Links* removed = links(list->lpTail);
   list->lpTail = removed->previous;
   if (removed->previous != nullptr) removed->previous->next = nullptr;

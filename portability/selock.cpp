@@ -34,20 +34,23 @@ void wake(Waiter* waiter) {
 }
 
 // Sleeps until granted. A hand-over mostly comes within the time that going to sleep takes, so the
-// flag is watched first; the event is consumed in every case.
+// flag is watched first. The granter sets the event after it cleared the flag, and the event is
+// consumed only when both have happened: the granter is done with it then.
 void sleep_until_granted(const Waiter& waiter) {
-  void* event = reinterpret_cast<void*>(waiter.event);
+  auto* event = reinterpret_cast<_voxHandleObject_t*>(waiter.event);
   for (int spin = 0; spin < kSpinsBeforeSleep && is_waiting(waiter); ++spin) {
   }
   do {
     voxWaitForSingleObject(event, INFINITE);
-  } while (is_waiting(waiter));
+  } while (is_waiting(waiter) || !is_signalled(event));
   voxResetEvent(event);
 }
 
 // Queues the caller and sleeps until the lock is handed to it, or gives up at once.
 int block(void** queue, intptr_t me, int wait, SpinHold& hold) {
   if (wait == 0 || me == kNobody) return 0;
+  auto* event = reinterpret_cast<_voxHandleObject_t*>(me);
+  if (is_signalled(event)) voxResetEvent(event);  // set by somebody else: no grant yet
   Waiter waiter{nullptr, me, process_id(), 1};
   vxLL_XInsertHead(queue, &waiter);
   hold.release();

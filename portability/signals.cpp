@@ -28,13 +28,12 @@ void log_failed_wait(int code) {
   LogInSystemLog(kError, "Error (%d) occurred waiting for signal ... ignoring.", code);
 }
 
-// Waits for a signal of `mask`. Returns it; 0 after a failure, which is logged.
-int next_signal(const sigset_t& mask) {
-  int signal = 0;
-  const int code = sigwait(&mask, &signal);
-  if (code == 0) return signal;
-  log_failed_wait(code == -1 ? errno : code);
-  return 0;
+// Waits for a signal of `mask`; false after a failure, which is logged.
+bool wait_for_signal(const sigset_t& mask, int* signal) {
+  *signal = 0;
+  const int code = sigwait(&mask, signal);
+  if (code != 0) log_failed_wait(code == -1 ? errno : code);
+  return code == 0;
 }
 
 }  // namespace
@@ -64,8 +63,8 @@ int SignalHandler::registerOnSignalCallback(int signal, void (*callback)()) {
 
 void SignalHandler::operator()() {
   for (;;) {
-    const int signal = next_signal(mask_);
-    if (signal == 0) continue;
+    int signal = 0;
+    if (!wait_for_signal(mask_, &signal)) continue;
     switch (membership(mask_, signal)) {
       case Membership::member: {
         const auto registered = callbacks_.find(signal);

@@ -67,11 +67,14 @@ using SyslogPriority = int;
 
 // Write one message in printf's form to the system log, under the tag "[ORB]" or `ident`, in the
 // user facility, opening and closing the log around it; the console is the fallback. Return true
-// always. Safe from any thread as far as the system's log is.
+// always; a null `format` writes nothing. Safe from any thread: one message is written at a time.
+// Quirk: a text that follows `format` makes the call one of the tagged form: LogInSystemLog(3, "%s",
+// name) writes `name` under the tag "%s".
 ORB_EXPORT bool LogInSystemLog(SyslogPriority priority, const char* format, ...)
     __attribute__((format(printf, 2, 3)));
 ORB_EXPORT bool vLogInSystemLog(int priority, const char* format, va_list arguments);
-ORB_EXPORT bool LogInSystemLog(SyslogPriority priority, const char* ident, const char* format, ...);
+ORB_EXPORT bool LogInSystemLog(SyslogPriority priority, const char* ident, const char* format, ...)
+    __attribute__((format(printf, 3, 4)));
 ORB_EXPORT bool vLogInSystemLog(int priority, const char* ident, const char* format,
                                 va_list arguments);
 
