@@ -120,6 +120,7 @@ TEST_F(GuardedDoubleList, HeadOfAnEmptyListIsTheEndAndTheLockIsKept) {
   EXPECT_EQ(-1, list_->lock->owner);
   EXPECT_EQ(1u, list_->lock->count);
   vxSLL2_LockRelease(list_);
+  EXPECT_EQ(&item, vxSLL2_XRemoveHead(list_));
 }
 
 TEST_F(GuardedDoubleList, HeadBehindABusyLockIsNull) {

@@ -146,7 +146,7 @@ TEST_F(DynLib, The51stLibraryFindsNoPlace) {
   EXPECT_EQ(libraries[3], pDynamicLibraryList[3]->library) << "the lowest empty place";
   EXPECT_EQ(nullptr, pDynamicLibraryList[30]);
   for (int each = 0; each < 50; ++each)
-    if (each != 30) EXPECT_EQ(1, voxFreeLibrary(libraries[static_cast<size_t>(each)])) << each;
+    EXPECT_EQ(each == 30 ? 0 : 1, voxFreeLibrary(libraries[static_cast<size_t>(each)])) << each;
 }
 
 TEST_F(DynLib, AnotherSpellingTakesASecondPlace) {

@@ -29,9 +29,9 @@ bool with_tag_and_list(int priority, const char* ident, const char* format, ...)
   return logged;
 }
 
-#define ASSERT_LOGGED(expected, body)                              \
+#define ASSERT_LOGGED(expected, ...)                               \
   do {                                                             \
-    const auto logged = orbtest::logged_by([&] body);              \
+    const auto logged = orbtest::logged_by([&] __VA_ARGS__);       \
     if (!logged) GTEST_SKIP() << "needs root: a mount name space"; \
     EXPECT_EQ(expected, *logged);                                  \
   } while (false)
