@@ -52,8 +52,8 @@ constexpr int32_t hertz(uint32_t count) { return static_cast<int32_t>(count); }
 
 INSTANTIATE_TEST_SUITE_P(
     BySelectors, Cpu,
-    testing::Values(CpuCase{"NothingAnswersGivesClockZeroAndNoNames", [](FakeSystem&) {}, false, L"",
-                            L"0 MHz", L"old", L"old"},
+    testing::Values(CpuCase{"NothingAnswersGivesClockZeroAndNoNames", [](FakeSystem&) {}, false,
+                            L"", L"0 MHz", L"old", L"old"},
                     CpuCase{"BothNamesAreJoinedByOneBlank",
                             [](FakeSystem& s) {
                               s.processors = 8;
