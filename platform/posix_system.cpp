@@ -24,7 +24,11 @@
 namespace quillon_com::orb::platform {
 namespace {
 
-constexpr int kZoneTurns = 1000;
+// How long a name that is away is waited for: some turns of the processor at once, then, for a
+// thread that lost the processor while it had the name, a tenth of a second in short sleeps.
+constexpr int kZoneYields = 100;
+constexpr int kZoneSleeps = 1000;
+constexpr useconds_t kZoneSleep = 100;  // microseconds
 
 std::mutex accounting_mutex;  // guards the C library's cursor over the user-accounting database
 
@@ -122,9 +126,12 @@ bool PosixSystem::local_time(time_t seconds, tm* broken_down) const {
 std::string PosixSystem::zone_name() const {
   // A breakdown of the time on another thread takes the name away for a moment.
   char* volatile* const place = &tzname[0];
-  for (int turn = 0; turn < kZoneTurns; ++turn) {
+  for (int turn = 0; turn < kZoneYields + kZoneSleeps; ++turn) {
     if (const char* const name = *place) return name;
-    sched_yield();
+    if (turn < kZoneYields)
+      sched_yield();
+    else
+      usleep(kZoneSleep);
   }
   return "";
 }
