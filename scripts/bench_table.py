@@ -9,6 +9,7 @@ import json
 import os
 import sys
 
+OURS = ("ours", "orbcommon")
 UNITS = {"ns": 1, "us": 1e3, "ms": 1e6, "s": 1e9}
 
 
@@ -27,8 +28,23 @@ def medians(path):
             yield run
 
 
-def row(run):
-    time = run["real_time"] * UNITS[run["time_unit"]]
+def nanoseconds(run):
+    return run["real_time"] * UNITS[run["time_unit"]]
+
+
+def peer_ratio(run, runs):
+    """Our time as a ratio to the peer's of the same operation; empty where there is none."""
+    operation, _, who = run["run_name"].rpartition("/")
+    if who not in OURS:
+        return ""
+    for other in runs:
+        if other is not run and other["run_name"].rpartition("/")[0] == operation:
+            return f"{nanoseconds(run) / nanoseconds(other):.2f} x"
+    return ""
+
+
+def row(run, runs):
+    time = nanoseconds(run)
     goal, verdict = "", ""
     if "goal_ns" in run:
         goal = duration(run["goal_ns"])
@@ -40,7 +56,7 @@ def row(run):
     measured = duration(time)
     if "peak_bytes" in run:
         measured += f", {run['peak_bytes'] / 2**20:.2f} MiB"
-    return f"| {name} | {measured} | {goal} | {verdict} |"
+    return f"| {name} | {measured} | {peer_ratio(run, runs)} | {goal} | {verdict} |"
 
 
 def main():
@@ -48,13 +64,13 @@ def main():
     print("Medians of nine interleaved repetitions, wall clock; `./dev bench` measures anew and "
           "writes this page.")
     for path in sys.argv[1:]:
-        runs = list(medians(path))
+        runs = sorted(medians(path), key=lambda run: run["run_name"])
         if not runs:
             continue
         print(f"\n## {os.path.basename(path).removesuffix('.json')}\n")
-        print("| operation | median | goal | |\n|---|---|---|---|")
+        print("| operation | median | to the peer | goal | |\n|---|---|---|---|---|")
         for run in runs:
-            print(row(run))
+            print(row(run, runs))
 
 
 main()
