@@ -130,6 +130,13 @@ bool LinuxSystem::property_list_texts(const std::string& bytes,
   return platform::property_list_texts(bytes, keys, texts);
 }
 
+std::string LinuxSystem::legacy_name() const {
+  std::string name = settings_of(text_of("/etc/lsb-release"))["DISTRIB_ID"];
+  if (name.empty()) name = words_before_release(text_of("/etc/redhat-release"));
+  if (name.empty()) name = first_line(text_of("/etc/SuSE-release"));
+  return name;
+}
+
 bool LinuxSystem::release_texts(ReleaseTexts* texts) const {
   uint64_t size = 0;
   if (file_size("/System/Library/CoreServices/SystemVersionCompat.plist", &size) ||
@@ -139,11 +146,8 @@ bool LinuxSystem::release_texts(ReleaseTexts* texts) const {
   ReleaseTexts read;
   read.fields = settings_of(text_of("/etc/os-release"));
   if (read.fields.empty()) read.fields = settings_of(text_of("/usr/lib/os-release"));
-  read.legacy_name = settings_of(text_of("/etc/lsb-release"))["DISTRIB_ID"];
-  if (read.legacy_name.empty()) {
-    read.legacy_name = words_before_release(text_of("/etc/redhat-release"));
-  }
-  if (read.legacy_name.empty()) read.legacy_name = first_line(text_of("/etc/SuSE-release"));
+  const auto name = read.fields.find("NAME");
+  if (name == read.fields.end() || name->second.empty()) read.legacy_name = legacy_name();
   read.debian_version = first_line(text_of("/etc/debian_version"));
   const auto chassis_type = decimal_count(first_line(text_of("/sys/class/dmi/id/chassis_type")));
   if (chassis_type && *chassis_type < 256) read.chassis_type = static_cast<int>(*chassis_type);

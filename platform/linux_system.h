@@ -75,6 +75,8 @@ class LinuxSystem : public PosixSystem {
   };
 
   std::string at(const std::string& path) const { return root_ + path; }
+  // The name by the release files that are older than os-release; empty when none tells one.
+  std::string legacy_name() const;
   // Empty when the file cannot be read.
   std::string text_of(const std::string& path, size_t limit = 65536) const;
   std::vector<std::string> names_in(const std::string& folder) const;  // sorted; bounded

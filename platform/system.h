@@ -76,7 +76,7 @@ enum class Chassis {
 // The identification texts of a system that keeps no version list.
 struct ReleaseTexts {
   std::map<std::string, std::string> fields;  // of os-release, unquoted: NAME, VERSION_ID, …
-  std::string legacy_name;     // by the older release files; empty when none names the system
+  std::string legacy_name;  // by the older release files, where the fields hold no NAME; else empty
   std::string debian_version;  // the first line of /etc/debian_version
   int chassis_type = 0;        // DMI number; 0 when unknown
 };
