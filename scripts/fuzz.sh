@@ -7,17 +7,17 @@ list() { find build/fuzz/fuzz -maxdepth 1 -type f -perm -u+x -name '*_fuzzer' | 
 [ -n "$(list)" ] || { echo "fuzz: no fuzzer was built" >&2; exit 1; }
 
 run_one() {
-  local fuzzer=$1 seconds=$2 name work
+  local fuzzer=$1 seconds=$2 name found
   name=$(basename "$fuzzer" _fuzzer)
-  work=build/fuzz/work/$name
-  mkdir -p "$work"
-  if "$fuzzer" -max_total_time="$seconds" -print_final_stats=1 -artifact_prefix="$work/" -timeout=10 \
-    -rss_limit_mb=2048 "$work" ${2:+$([ -d "fuzz/corpus/$name" ] && echo "fuzz/corpus/$name")} \
-    >"$work.log" 2>&1; then
-    echo "$name: $(awk '/number_of_executed_units/ {print $2}' "$work.log") runs, no finding"
+  found=build/fuzz/found/$name
+  mkdir -p "$found"
+  if "$fuzzer" -max_total_time="$seconds" -print_final_stats=1 -artifact_prefix="$found/" -timeout=10 \
+    -rss_limit_mb=2048 "$found" ${2:+$([ -d "fuzz/corpus/$name" ] && echo "fuzz/corpus/$name")} \
+    >"$found.log" 2>&1; then
+    echo "$name: $(awk '/number_of_executed_units/ {print $2}' "$found.log") runs, no finding"
   else
-    tail -n 40 "$work.log"
-    echo "$name: FAILED, see $work.log"
+    tail -n 40 "$found.log"
+    echo "$name: FAILED, see $found.log"
     return 1
   fi
 }

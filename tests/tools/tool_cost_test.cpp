@@ -5,14 +5,8 @@
 
 namespace {
 
-#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
-constexpr bool kSanitized = true;
-#else
-constexpr bool kSanitized = false;
-#endif
-
 TEST(ToolCost, ReportTakesSixMebibytesAtMost) {
-  if (kSanitized) GTEST_SKIP() << "sanitizers take memory of their own";
+  if (ORB_SANITIZED) GTEST_SKIP() << "sanitizers take memory of their own";
   for (const std::vector<std::string>& words : std::vector<std::vector<std::string>>{
            {ORBPROPS_TOOL}, {ORBPROPS_TOOL, "--json"}, {ORBPROPS_TOOL, "get", "OSVersion"}}) {
     const long peak = orbtest::peak_resident_kib(words);
