@@ -74,6 +74,7 @@ template <class Action>
 std::pair<std::string, std::string> outputs_of(Action action) {
   Pipe out;
   Pipe error;
+  fflush(nullptr);  // what the test program has yet to write is none of the child's
   const pid_t child = fork();
   if (child == 0) {
     dup2(out.write_end, STDOUT_FILENO);
