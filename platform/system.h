@@ -109,6 +109,7 @@ class System {
   // The same for each of `names`, in their order; a system may ask for all at less cost.
   virtual std::vector<unsigned> interface_indexes(const std::vector<std::string>& names) const {
     std::vector<unsigned> indexes;
+    indexes.reserve(names.size());
     for (const std::string& name : names) indexes.push_back(interface_index(name));
     return indexes;
   }

@@ -130,7 +130,8 @@ void write_report(const Records& records, PropertyMap& properties) {
   write_report(records, properties, file_systems);
   properties.erase(CPUPortable_Key);
   for (const auto& [mount_point, space] : file_systems) {
-    const std::wstring stem = FileSystemName + L"\"" + mount_point + L"\" ";
+    std::wstring stem = FileSystemName;
+    stem.append(L"\"").append(mount_point).append(L"\" ");
     properties.emplace(stem + FileSystemTotalSpace, space.first);
     properties.emplace(stem + FileSystemFreeSpace, space.second);
   }

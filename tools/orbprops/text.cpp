@@ -5,6 +5,7 @@
 
 #include <strings.h>
 #include <array>
+#include <bit>
 #include <clocale>
 #include <cstdint>
 #include <cstdio>
@@ -120,7 +121,7 @@ std::string to_utf8(std::wstring_view text) {
   std::string out;
   out.reserve(text.size());
   for (wchar_t character : text) {
-    const auto code = static_cast<uint32_t>(character);
+    const auto code = std::bit_cast<uint32_t>(character);
     append_utf8(out, is_scalar(code) ? code : kReplacement);
   }
   return out;
