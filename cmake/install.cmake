@@ -10,6 +10,8 @@ foreach(header IN LISTS ORB_PUBLIC_HEADERS)
   install(FILES ${header} DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/orbcommon/${folder})
 endforeach()
 
+install(FILES README.md CHANGELOG.md DESTINATION ${CMAKE_INSTALL_DOCDIR})
+
 set(package_folder ${CMAKE_INSTALL_LIBDIR}/cmake/orbcommon)
 install(EXPORT orbcommon NAMESPACE orbcommon:: FILE orbcommon-targets.cmake
         DESTINATION ${package_folder})
@@ -22,5 +24,7 @@ install(FILES ${PROJECT_BINARY_DIR}/orbcommon-config.cmake
               ${PROJECT_BINARY_DIR}/orbcommon-config-version.cmake
         DESTINATION ${package_folder})
 
+# By way from the file, so that the installed tree may be moved.
+file(RELATIVE_PATH ORB_PC_TO_PREFIX ${CMAKE_INSTALL_FULL_LIBDIR}/pkgconfig ${CMAKE_INSTALL_PREFIX})
 configure_file(cmake/orbcommon.pc.in ${PROJECT_BINARY_DIR}/orbcommon.pc @ONLY)
 install(FILES ${PROJECT_BINARY_DIR}/orbcommon.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)

@@ -10,6 +10,8 @@ set_target_properties(orbcommon_objects PROPERTIES
   C_VISIBILITY_PRESET hidden
   CXX_VISIBILITY_PRESET hidden
   VISIBILITY_INLINES_HIDDEN ON)
+set_source_files_properties(${ORB_VERSION_SOURCE} PROPERTIES
+  COMPILE_DEFINITIONS "${ORB_VERSION_DEFINITIONS}")
 target_compile_definitions(orbcommon_objects PRIVATE _FILE_OFFSET_BITS=64)
 
 add_library(orbcommon SHARED $<TARGET_OBJECTS:orbcommon_objects>)
@@ -28,6 +30,7 @@ if(APPLE)
   list(APPEND ORB_SYSTEM_LIBRARIES "-framework CoreServices" "-framework CoreFoundation")
 else()
   list(APPEND ORB_SYSTEM_LIBRARIES ${CMAKE_DL_LIBS})
+  target_link_options(orbcommon PRIVATE LINKER:-z,now)  # with relro: no writable jump table
 endif()
 target_link_libraries(orbcommon PRIVATE ${ORB_SYSTEM_LIBRARIES})
 

@@ -6,12 +6,14 @@ set(ORB_PORTABILITY_SOURCES
   portability/dynlib.cpp
   portability/errorwords.cpp
   portability/filehandle.cpp
+  portability/forks.cpp
   portability/handles.cpp
   portability/interlocked.cpp
   portability/libraryimages.cpp
   portability/linkedlist.cpp
   portability/processid.cpp
   portability/selock.cpp
+  portability/selock_forks.cpp
   portability/selock_notify.cpp
   portability/signals.cpp
   portability/singlelist.cpp
@@ -25,10 +27,25 @@ set(ORB_PORTABILITY_SOURCES
 
 set(ORB_FILEUTIL_SOURCES
   fileutil/charclass.cpp
+  fileutil/dirent.cpp
+  fileutil/filecopy.cpp
+  fileutil/filetree.cpp
+  fileutil/guid.cpp
   fileutil/localetext.cpp
+  fileutil/machinenames.cpp
   fileutil/numbers.cpp
+  fileutil/paths.cpp
+  fileutil/platformmatch.cpp
+  fileutil/softwareid.cpp
   fileutil/strings.cpp
+  fileutil/timestamp.cpp
+  fileutil/treeremoval.cpp
+  fileutil/uptime.cpp
+  fileutil/utctime.cpp
   fileutil/utf8.cpp
+  fileutil/versionstamp.cpp
+  fileutil/voxfio.cpp
+  fileutil/wildcard.cpp
 )
 
 set(ORB_NETWORK_SOURCES
@@ -66,6 +83,12 @@ set(ORB_SYSPROPS_SOURCES
   sysprops/wrappers.cpp
 )
 
+set(ORB_CONFIG_SOURCES
+  config/policykeys.cpp
+  config/productkeys.cpp
+  config/taskkeys.cpp
+)
+
 # Pure parsers and what POSIX gives alike: built everywhere, so that every machine tests them.
 set(ORB_PLATFORM_SOURCES
   platform/errno_numbers.cpp
@@ -80,6 +103,7 @@ set(ORB_PLATFORM_SOURCES
 
 set(ORB_DARWIN_SOURCES
   platform/darwin_assertion.cpp
+  platform/darwin_freespace.cpp
   platform/darwin_interfaces.cpp
   platform/darwin_lists.cpp
   platform/darwin_system.cpp
@@ -88,6 +112,7 @@ set(ORB_DARWIN_SOURCES
 
 set(ORB_LINUX_SOURCES
   platform/linux_assertion.cpp
+  platform/linux_freespace.cpp
   platform/linux_interfaces.cpp
   platform/linux_processor.cpp
   platform/linux_sessions.cpp
@@ -98,7 +123,7 @@ set(ORB_LINUX_SOURCES
 
 # What every system builds; with the list of one system it is the library.
 set(ORB_COMMON_SOURCES ${ORB_PORTABILITY_SOURCES} ${ORB_FILEUTIL_SOURCES} ${ORB_NETWORK_SOURCES} ${ORB_SESSION_SOURCES}
-                       ${ORB_SYSPROPS_SOURCES} ${ORB_PLATFORM_SOURCES})
+                       ${ORB_SYSPROPS_SOURCES} ${ORB_CONFIG_SOURCES} ${ORB_PLATFORM_SOURCES})
 if(CMAKE_SYSTEM_NAME STREQUAL "Darwin")
   set(ORB_SOURCES ${ORB_COMMON_SOURCES} ${ORB_DARWIN_SOURCES})
 else()
@@ -107,7 +132,15 @@ endif()
 
 # Headers that callers may include; everything exported is declared in one of them.
 set(ORB_PUBLIC_HEADERS
+  config/configkeys.h
   fileutil/conversions.h
+  fileutil/dirent.h
+  fileutil/filetree.h
+  fileutil/guid.h
+  fileutil/paths.h
+  fileutil/platformmatch.h
+  fileutil/timestamp.h
+  fileutil/voxfio.h
   network/ipaddress.h
   network/ipv6.h
   network/netinterface.h
@@ -130,6 +163,13 @@ set(ORB_PUBLIC_HEADERS
 # Those of them that serve C as well.
 set(ORB_C_HEADERS
   fileutil/conversions.h
+  fileutil/dirent.h
+  fileutil/filetree.h
+  fileutil/guid.h
+  fileutil/paths.h
+  fileutil/platformmatch.h
+  fileutil/timestamp.h
+  fileutil/voxfio.h
   platform/export.h
   portability/Linklist.h
   portability/dynlib.h
@@ -139,4 +179,12 @@ set(ORB_C_HEADERS
   portability/selock.h
   portability/signals.h
   portability/threads.h
+)
+
+# The library's version, for the file that is made of it.
+set(ORB_VERSION_SOURCE fileutil/softwareid.cpp)
+set(ORB_VERSION_DEFINITIONS
+  ORB_VERSION_MAJOR=${PROJECT_VERSION_MAJOR}
+  ORB_VERSION_MINOR=${PROJECT_VERSION_MINOR}
+  ORB_VERSION_PATCH=${PROJECT_VERSION_PATCH}
 )

@@ -33,6 +33,7 @@ void check_texts(const std::string& text) {
   check(decimal_count(text) == plain_count(text));
   const auto memory = memory_kilobytes(text, "MemFree");
   check(!memory || *memory <= UINT64_MAX / 1024);
+  boot_seconds(text);
   const auto processors = listed_processors(text);
   check(!processors || *processors >= 1);
   const std::string line = first_line(text);

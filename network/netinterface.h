@@ -34,8 +34,8 @@ class ORB_EXPORT NetInterface {
   NetInterface& operator=(const NetInterface& other);
   ~NetInterface();
 
-  uint32_t getIndex() const;
   // Each returns a copy of the field.
+  uint32_t getIndex() const;
   std::string getIndexName() const;
   std::string getMACAddress() const;
   // A copy of all addresses, in the order in which they were added.

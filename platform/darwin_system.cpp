@@ -71,6 +71,13 @@ bool DarwinSystem::kernel_domain(std::string* domain) const {
   return true;
 }
 
+bool DarwinSystem::boot_time(time_t* seconds) const {
+  timeval boot{};
+  if (!read_sysctl(CTL_KERN, KERN_BOOTTIME, &boot)) return false;
+  *seconds = boot.tv_sec;
+  return true;
+}
+
 bool DarwinSystem::release_texts(ReleaseTexts*) const { return false; }
 
 bool DarwinSystem::processor_count(int* count) const { return read_sysctl(CTL_HW, HW_NCPU, count); }

@@ -20,6 +20,8 @@ class DarwinSystem : public PosixSystem {
   bool official_host_name(const std::string& name, std::string* official) const override;
   bool kernel_domain(std::string* domain) const override;
 
+  bool boot_time(time_t* seconds) const override;
+
   // XML and binary lists alike. A text of 256 bytes or more in UTF-8 counts as absent. False also
   // when the system cannot make the text of a key.
   bool property_list_texts(const std::string& bytes, const std::vector<std::string>& keys,

@@ -4,9 +4,10 @@
 // The library is built with hidden visibility; what carries this mark is its interface.
 #define ORB_EXPORT __attribute__((visibility("default")))
 
-// Opens and closes declarations with unmangled names, in headers that also serve C.
 #ifdef __cplusplus
+// Opens declarations with unmangled names, in headers that also serve C.
 #define ORB_EXTERN_C_BEGIN extern "C" {
+// Closes them.
 #define ORB_EXTERN_C_END }
 #else
 #define ORB_EXTERN_C_BEGIN

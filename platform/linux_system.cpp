@@ -8,6 +8,8 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <ctime>
+#include <limits>
 #include <memory>
 #include <utility>
 
@@ -18,6 +20,7 @@ namespace quillon_com::orb::platform {
 namespace {
 
 constexpr uint64_t kKilobyte = 1024;                    // the memory table's "kB"
+constexpr size_t kMostStatistics = size_t{4} << 20;     // bytes; a line for each interrupt
 constexpr size_t kMostNames = 4096;                     // of one folder
 constexpr size_t kMostResolverBytes = size_t{1} << 20;  // of one answer
 
@@ -113,6 +116,21 @@ bool LinuxSystem::kernel_names(KernelNames* names) const {
                    first_line(text_of("/proc/sys/kernel/osrelease"))};
   if (read.node.empty() && read.machine.empty() && read.release.empty()) return false;
   *names = std::move(read);
+  return true;
+}
+
+bool LinuxSystem::boot_time(time_t* seconds) const {
+  if (!is_running_machine()) {
+    const auto boot = boot_seconds(text_of("/proc/stat", kMostStatistics));
+    if (!boot || *boot > std::numeric_limits<time_t>::max()) return false;
+    *seconds = static_cast<time_t>(*boot);
+    return true;
+  }
+  timespec now{};
+  timespec running{};
+  if (clock_gettime(CLOCK_REALTIME, &now) != 0 || clock_gettime(CLOCK_BOOTTIME, &running) != 0)
+    return false;
+  *seconds = now.tv_sec - running.tv_sec - (now.tv_nsec < running.tv_nsec ? 1 : 0);
   return true;
 }
 

@@ -17,8 +17,8 @@ namespace quillon_com::orb::platform {
 // /sys/devices/system/cpu/online), or cannot be read. Clock, accounts, commands, sockets and
 // interfaces stay those of the running machine.
 //
-// Files are read up to a fixed size each (64 KiB; the mount table 4 MiB, the processor's text and
-// session files 4 KiB); what lies beyond is not seen.
+// Files are read up to a fixed size each (64 KiB; the mount table and /proc/stat 4 MiB, the
+// processor's text and session files 4 KiB); what lies beyond is not seen.
 class LinuxSystem : public PosixSystem {
  public:
   explicit LinuxSystem(std::string root = "");
@@ -35,6 +35,9 @@ class LinuxSystem : public PosixSystem {
   bool kernel_domain(std::string* domain) const override;
   bool domain_name(std::string* domain) const override;
   bool kernel_names(KernelNames* names) const override;
+
+  // The kernel's clocks; with a root of files the "btime" line of /proc/stat.
+  bool boot_time(time_t* seconds) const override;
 
   // The entries of the user-accounting file; where that gives none and does not exist, those of
   // the login manager's session files, in the order of their names.

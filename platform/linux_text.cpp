@@ -95,6 +95,15 @@ std::optional<uint64_t> memory_kilobytes(std::string_view table, std::string_vie
   return std::nullopt;
 }
 
+std::optional<uint64_t> boot_seconds(std::string_view statistics) {
+  constexpr std::string_view kName = "btime ";
+  while (!statistics.empty()) {
+    const std::string_view line = take_line(&statistics);
+    if (line.substr(0, kName.size()) == kName) return decimal_count(line.substr(kName.size()));
+  }
+  return std::nullopt;
+}
+
 std::optional<int> listed_processors(std::string_view list) {
   constexpr uint64_t kMost = std::numeric_limits<int>::max();
   list = trimmed(list);

@@ -34,6 +34,10 @@ std::string name_unless_none(std::string name);
 // when no line states it or its bytes would pass 64 bits. The first such line counts.
 std::optional<uint64_t> memory_kilobytes(std::string_view table, std::string_view name);
 
+// The moment of the boot that the kernel's statistics state, in seconds since 1970; nothing when no
+// line does. The first such line counts.
+std::optional<uint64_t> boot_seconds(std::string_view statistics);
+
 // The number of processors in a list of ranges ("0-3,8"); nothing when it is malformed, empty or
 // passes an int.
 std::optional<int> listed_processors(std::string_view list);

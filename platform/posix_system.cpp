@@ -8,6 +8,7 @@
 #include <pwd.h>
 #include <sched.h>
 #include <sys/stat.h>
+#include <sys/times.h>
 #include <sys/utsname.h>
 #include <unistd.h>
 #include <utmpx.h>
@@ -116,6 +117,18 @@ bool PosixSystem::kernel_names(KernelNames* names) const {
 
 time_t PosixSystem::wall_clock() const { return time(nullptr); }
 
+timeval PosixSystem::wall_time() const {
+  timeval now{};
+  gettimeofday(&now, nullptr);
+  return now;
+}
+
+TickCount PosixSystem::tick_count() const {
+  tms used{};
+  const clock_t now = times(&used);
+  return {static_cast<int64_t>(now), sysconf(_SC_CLK_TCK)};
+}
+
 bool PosixSystem::local_time(time_t seconds, tm* broken_down) const {
   tm result{};
   if (localtime_r(&seconds, &result) == nullptr) return false;
@@ -123,17 +136,27 @@ bool PosixSystem::local_time(time_t seconds, tm* broken_down) const {
   return true;
 }
 
-std::string PosixSystem::zone_name() const {
+bool PosixSystem::utc_time(time_t seconds, tm* broken_down) const {
+  tm result{};
+  if (gmtime_r(&seconds, &result) == nullptr) return false;
+  *broken_down = result;
+  return true;
+}
+
+bool PosixSystem::zone_name(std::string* name) const {
   // A breakdown of the time on another thread takes the name away for a moment.
   char* volatile* const place = &tzname[0];
   for (int turn = 0; turn < kZoneYields + kZoneSleeps; ++turn) {
-    if (const char* const name = *place) return name;
+    if (const char* const text = *place) {
+      *name = text;
+      return true;
+    }
     if (turn < kZoneYields)
       sched_yield();
     else
       usleep(kZoneSleep);
   }
-  return "";
+  return false;
 }
 
 bool PosixSystem::next_session_entry(SessionEntry* entry) const {

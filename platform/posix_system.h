@@ -22,8 +22,12 @@ class PosixSystem : public System {
   bool kernel_names(KernelNames* names) const override;
 
   time_t wall_clock() const override;
+  timeval wall_time() const override;
+  TickCount tick_count() const override;
   bool local_time(time_t seconds, tm* broken_down) const override;
-  std::string zone_name() const override;
+  bool utc_time(time_t seconds, tm* broken_down) const override;
+  // A name that is away for a moment is waited for, a tenth of a second at most.
+  bool zone_name(std::string* name) const override;
 
   bool next_session_entry(SessionEntry* entry) const override;
   void rewind_sessions() const override;

@@ -9,6 +9,7 @@
 #pragma once
 
 #include <sys/socket.h>
+#include <sys/time.h>
 
 #include <array>
 #include <cstddef>
@@ -56,6 +57,12 @@ struct KernelNames {
   std::string node;
   std::string machine;
   std::string release;
+};
+
+// A count of clock ticks since some moment in the past.
+struct TickCount {
+  int64_t ticks = 0;
+  int64_t per_second = 0;  // not positive when the system does not tell
 };
 
 // What a system that names its processors itself says of them.
@@ -127,9 +134,14 @@ class System {
   virtual bool kernel_names(KernelNames* names) const = 0;
 
   // Time.
-  virtual time_t wall_clock() const = 0;  // seconds since 1970
+  virtual time_t wall_clock() const = 0;              // seconds since 1970
+  virtual timeval wall_time() const = 0;              // the same clock with its microseconds
+  virtual bool boot_time(time_t* seconds) const = 0;  // since 1970
+  virtual TickCount tick_count() const = 0;
   virtual bool local_time(time_t seconds, tm* broken_down) const = 0;
-  virtual std::string zone_name() const = 0;  // tzname[0] as the C library holds it
+  virtual bool utc_time(time_t seconds, tm* broken_down) const = 0;
+  // tzname[0] as the C library holds it; false when there is none.
+  virtual bool zone_name(std::string* name) const = 0;
 
   // Sessions and accounts.
   // The next record of the process-wide cursor; false after the last one.

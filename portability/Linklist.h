@@ -49,8 +49,8 @@ ORB_EXPORT void vxLL2_XRemove(void* item);
 // vxSLL2: a vxLL2 list and its lock. Each operation takes the lock, waiting for it, and gives it up
 // before it returns, unless it says otherwise. A null list does nothing and gives null.
 typedef struct _vxSLL2_t {
-  _vxLL2Header_t header;
-  _vxSELock_t* lock;
+  _vxLL2Header_t header;  // the sentinels at both ends
+  _vxSELock_t* lock;      // owned by the list
 } _vxSLL2_t;
 
 // Makes a list and stores it in `*out`. Returns 0x80000008, with null in `*out`, when there is no
@@ -77,8 +77,8 @@ ORB_EXPORT void vxSLL2_LockRelease(_vxSLL2_t* list);
 
 // vxSLL: a vxLL stack and its lock; like vxSLL2 otherwise.
 typedef struct _vxSLL_t {
-  void* head;
-  _vxSELock_t* lock;
+  void* head;         // the first item, null when there is none
+  _vxSELock_t* lock;  // owned by the list
 } _vxSLL_t;
 
 // Quirk: when there is no memory for its lock the result is 0, and only null in `*out` tells.
@@ -96,9 +96,9 @@ ORB_EXPORT int vxSLL_IsEmpty(_vxSLL_t* list);
 
 // LinkedList_: an item's first two words are its previous and next links.
 typedef struct _LinkedList_t {
-  void* lpTail;
-  void* head;
-  uint64_t count;
+  void* lpTail;    // the last item, null when there is none
+  void* head;      // the first item, null when there is none
+  uint64_t count;  // of items
 } _LinkedList_t;
 
 // Makes an empty list and stores it in `*list`. Returns 1, 0 without memory. A null argument ends

@@ -2,12 +2,12 @@
 #include "portability/dynlib.h"
 
 #include <dlfcn.h>
-#include <pthread.h>
 
 #include <cstdlib>
 #include <cstring>
 
 #include "portability/dynlibparts.h"
+#include "portability/forks.h"
 #include "portability/handleparts.h"
 
 _voxDynamicLibrary_t* pDynamicLibraryList[kDynamicLibraries];
@@ -18,44 +18,28 @@ namespace {
 constexpr size_t kPathSize = sizeof(_voxDynamicLibrary_t::path);
 
 // Serialises loads and releases; held while an entry point runs.
-pthread_mutex_t MutexDynamicLibraryList = PTHREAD_MUTEX_INITIALIZER;
+ForeignCodeMutex MutexDynamicLibraryList;
 
 // Guards the table and its records for those who look without MutexDynamicLibraryList, as an entry
 // point may; never held while foreign code runs.
-pthread_mutex_t table_lock = PTHREAD_MUTEX_INITIALIZER;
+ProcessMutex table_lock;
 
 // The buffers' own lock: failing callers of several threads write them at once.
-pthread_mutex_t message_lock = PTHREAD_MUTEX_INITIALIZER;
+ProcessMutex message_lock;
 
 bool first_call = true;  // guarded by MutexDynamicLibraryList
-
-// A mutex held for a scope; not held, and not given up, when it cannot be taken.
-class Hold {
- public:
-  explicit Hold(pthread_mutex_t* mutex)
-      : mutex_(pthread_mutex_lock(mutex) == 0 ? mutex : nullptr) {}
-  ~Hold() {
-    if (mutex_ != nullptr) pthread_mutex_unlock(mutex_);
-  }
-  Hold(const Hold&) = delete;
-  Hold& operator=(const Hold&) = delete;
-  explicit operator bool() const { return mutex_ != nullptr; }
-
- private:
-  pthread_mutex_t* mutex_;
-};
 
 // Empties a function's message and publishes its address.
 void begin_message(char* message, char** out) {
   {
-    const Hold hold(&message_lock);
+    const Hold hold(message_lock);
     *message = '\0';
   }
   if (out != nullptr) *out = message;
 }
 
 void set_message(char* message, const char* text) {
-  const Hold hold(&message_lock);
+  const Hold hold(message_lock);
   const size_t length = strnlen(text, kLongestLoaderText);
   memcpy(message, text, length);
   message[length] = '\0';
@@ -85,12 +69,12 @@ size_t free_place() {
 }
 
 void put(size_t place, _voxDynamicLibrary_t* entry) {
-  const Hold hold(&table_lock);
+  const Hold hold(table_lock);
   pDynamicLibraryList[place] = entry;
 }
 
 bool is_loaded(const void* library) {
-  const Hold hold(&table_lock);
+  const Hold hold(table_lock);
   return place_of_library(library) != kDynamicLibraries;
 }
 
@@ -161,7 +145,7 @@ int unload(size_t place) {
 }  // namespace
 
 void copy_message(const char* message, char (&copy)[kMessageSize]) {
-  const Hold hold(&message_lock);
+  const Hold hold(message_lock);
   memcpy(copy, message, kMessageSize);
 }
 
@@ -183,7 +167,7 @@ void* voxLoadLibrary(const char* path, char** errorText) {
     store_error(kErrInvalid);
     return nullptr;
   }
-  const Hold hold(&MutexDynamicLibraryList);
+  const Hold hold(MutexDynamicLibraryList);
   if (!hold) {
     store_error(kErrBusy);
     set_message(message, "locked");
@@ -197,7 +181,7 @@ int voxFreeLibrary(void* library) {
     store_error(kErrInvalid);
     return 0;
   }
-  const Hold hold(&MutexDynamicLibraryList);
+  const Hold hold(MutexDynamicLibraryList);
   if (!hold) {
     store_error(kErrBusy);
     return 0;
@@ -225,7 +209,7 @@ void* voxGetProcAddress(void* library, const char* name, char** errorText) {
 
 int voxDisableThreadLibraryCalls(void* library) {
   if (library == nullptr) return 0;
-  const Hold hold(&table_lock);
+  const Hold hold(table_lock);
   const size_t place = place_of_library(library);
   if (place == kDynamicLibraries) return 0;
   pDynamicLibraryList[place]->threadCallsDisabled = 1;

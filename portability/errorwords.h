@@ -17,7 +17,7 @@ enum {
   kErrNoMemory = 12,  // malloc failed
   kErrBusy = 16,      // a lock could not be taken, an event not be set
   kErrInvalid = 22,   // bad argument
-  kErrAgain = 35      // the table of thread-local slots is full
+  kErrAgain = 35      // the table of thread-local slots or of searches is full
 };
 
 ORB_EXTERN_C_END

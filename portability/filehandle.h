@@ -14,7 +14,7 @@ ORB_EXTERN_C_BEGIN
 
 // What `payload` of a file handle points at; owned by the handle.
 typedef struct _voxFileRecord_t {
-  int32_t descriptor;
+  int32_t descriptor;     // open for as long as the handle
   int32_t deleteOnClose;  // 1 when voxCloseHandle removes the file
   int32_t endOfFile;      // 1 once a read gave 0 bytes
   char path[260];         // as given; not terminated when it has 260 bytes or more

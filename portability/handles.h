@@ -9,6 +9,9 @@
 // calls set and voxGetLastError maps. All time-outs are milliseconds in 64 bits. Unless a comment
 // says otherwise, results are 1 for success and 0 for failure, and every function may be called
 // from any thread.
+//
+// A forked child may use the whole library, whatever the parent's other threads were doing: only a
+// handle that one of them was in the middle of using stays with it, and so does what it owned.
 #pragma once
 
 #include <pthread.h>

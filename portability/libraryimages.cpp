@@ -1,7 +1,6 @@
 // portability/libraryimages.cpp: libraries outside the table, wide paths and texts kept in
 // libraries.
 #include <dlfcn.h>
-#include <pthread.h>
 
 #include <cstring>
 #include <cwchar>
@@ -9,13 +8,15 @@
 #include <string>
 
 #include "fileutil/conversions.h"
+#include "fileutil/utf8.h"
 #include "portability/dynlib.h"
 #include "portability/dynlibparts.h"
+#include "portability/forks.h"
 #include "portability/handleparts.h"
 
 using namespace quillon_com::orb::portability;
+using quillon_com::orb::encode_utf8;
 using quillon_com::orb::voxcomn_ansi_to_wide;
-using quillon_com::orb::voxcomn_wide_to_ansi;
 
 namespace {
 
@@ -23,23 +24,31 @@ constexpr size_t kWideMessageSize = 512;
 
 using LoadString = int32_t (*)(void* module, uint32_t id, char* buffer, int32_t size);
 
-pthread_mutex_t wide_message_lock = PTHREAD_MUTEX_INITIALIZER;
+ProcessMutex wide_message_lock;
 
 // Puts as much of `text` into `message` as it holds, terminated.
 void set_wide_message(wchar_t* message, const std::wstring& text) {
-  pthread_mutex_lock(&wide_message_lock);
+  const Hold hold(wide_message_lock);
   wcsncpy(message, text.c_str(), kWideMessageSize - 1);
   message[kWideMessageSize - 1] = L'\0';
-  pthread_mutex_unlock(&wide_message_lock);
 }
 
 // Turns the narrow function's message into the wide one; without memory it stays empty.
 void widen_message(const char* narrow, wchar_t* message) {
   char copy[kMessageSize];
   copy_message(narrow, copy);
+  set_wide_message(message, voxcomn_ansi_to_wide(copy));
+}
+
+// The path as UTF-8; false without memory, which an empty path would hide: it names the program.
+bool narrow_path(const wchar_t* path, std::string* out) {
   try {
-    set_wide_message(message, voxcomn_ansi_to_wide(copy));
+    const size_t length = wcslen(path);
+    out->resize(length * 4);
+    out->resize(encode_utf8(path, length, out->data()));
+    return true;
   } catch (const std::bad_alloc&) {
+    return false;
   }
 }
 
@@ -53,15 +62,13 @@ void* voxLoadLibraryW(const wchar_t* path, wchar_t** errorText) {
     store_error(kErrInvalid);
     return nullptr;
   }
-  std::string narrow_path;
-  try {
-    narrow_path = voxcomn_wide_to_ansi(path);
-  } catch (const std::bad_alloc&) {
+  std::string narrow;
+  if (!narrow_path(path, &narrow)) {
     store_error(kErrNoMemory);
     return nullptr;
   }
   char* narrow_message = nullptr;
-  void* library = voxLoadLibrary(narrow_path.c_str(), &narrow_message);
+  void* library = voxLoadLibrary(narrow.c_str(), &narrow_message);
   if (errorText != nullptr) widen_message(narrow_message, message);
   return library;
 }

@@ -95,14 +95,22 @@ using namespace quillon_com::orb::portability;
 uint32_t vxSO_SELockCreate(_vxSELock_t** out) {
   constexpr uint32_t kFailed = 0x80000008u;
   if (out == nullptr) return kFailed;
-  *out = static_cast<_vxSELock_t*>(calloc(1, sizeof(_vxSELock_t)));
-  if (*out == nullptr) return kFailed;
-  (*out)->owner = kNobody;
-  (*out)->lastTransition = kCreated;
+  *out = nullptr;
+  auto* record = static_cast<LockRecord*>(calloc(1, sizeof(LockRecord)));
+  if (record == nullptr) return kFailed;
+  record->lock.owner = kNobody;
+  record->lock.lastTransition = kCreated;
+  enlist(record);
+  *out = &record->lock;
   return 0;
 }
 
-void vxSO_Release(_vxSELock_t* lock) { free(lock); }
+void vxSO_Release(_vxSELock_t* lock) {
+  if (lock == nullptr) return;
+  auto* record = reinterpret_cast<LockRecord*>(lock);
+  unlist(record);
+  free(record);
+}
 
 int vxSO_SELockExclusive(_vxSELock_t* lock, int wait) {
   if (lock == nullptr) return 0;

@@ -9,6 +9,9 @@
 // A null lock does nothing and gives 0. Entry functions return 1 when the lock is held and 0 when
 // it is not: `wait` was 0, or the thread has no event to sleep on. No error words. Every function
 // may be called from any thread.
+//
+// A forked child finds every lock's fields whole and its queues empty; a hold of a thread that it
+// does not have is never given up. A word that such a thread took with vxSL_Get stays taken.
 #pragma once
 
 #include <stdint.h>
@@ -19,12 +22,12 @@ ORB_EXTERN_C_BEGIN
 
 // The lock, allocated with malloc; every field is guarded by `spin`.
 typedef struct _vxSELock_t {
-  long spin;            // 0 free, 1 taken
-  intptr_t owner;       // the exclusive owner's event; -1 when there is none
-  uint64_t count;       // shared holds, or the depth of the exclusive one
-  void* sharedWaiters;  // a vxLL list, as the next two
-  void* exclusiveWaiters;
-  void* notifyList;
+  long spin;               // 0 free, 1 taken
+  intptr_t owner;          // the exclusive owner's event; -1 when there is none
+  uint64_t count;          // shared holds, or the depth of the exclusive one
+  void* sharedWaiters;     // vxLL list, last come first
+  void* exclusiveWaiters;  // vxLL list, last come first
+  void* notifyList;        // vxLL list of those to be told
   int64_t processId;       // of the last exclusive acquirer
   int64_t lastTransition;  // 1 created, 2 exclusive, 3 downgraded, 4 freed, 5 handed over, 6
                            // exclusive through the notify entry; for diagnosis only

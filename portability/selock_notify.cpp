@@ -35,6 +35,7 @@ void add_notification(_vxSELock_t* lock, vxSELockCallback callback, void* contex
 // Unlinks the first record that `done` accepts and returns it; null when none is.
 template <class Done>
 Notification* drop_first(_vxSELock_t* lock, Done done) {
+  const Notifying notifying(lock);
   void* previous = vxLL_XGetStart(&lock->notifyList);
   for (;;) {
     auto* notification = static_cast<Notification*>(vxLL_XGetNext(previous));

@@ -1,8 +1,7 @@
 // portability/systemlog.cpp: one message to the system log per call.
 #include <syslog.h>
 
-#include <mutex>
-
+#include "portability/forks.h"
 #include "portability/signals.h"
 
 namespace quillon_com::orb {
@@ -12,13 +11,13 @@ namespace {
 constexpr char kTag[] = "[ORB]";
 
 // Keeps a message under its own tag: the C library has one open log for all threads.
-std::mutex open_log;
+portability::ProcessMutex open_log;
 
 }  // namespace
 
 bool vLogInSystemLog(int priority, const char* ident, const char* format, va_list arguments) {
   if (format == nullptr) return true;
-  const std::lock_guard<std::mutex> hold(open_log);
+  const portability::Hold hold(open_log);
   openlog(ident, LOG_CONS | LOG_NDELAY, LOG_USER);
   vsyslog(priority, format, arguments);
   closelog();

@@ -36,7 +36,7 @@ intptr_t vxSO_ThreadAttach() {
   if (had != kNoEvent) return had;
   _voxHandleObject_t* event = voxCreateEvent(nullptr, 1, 0, nullptr);
   const int stored = store(reinterpret_cast<intptr_t>(event));
-  if (stored == 0) voxCloseHandle(event);
+  if (stored == 0 && event != nullptr) destroy_handle(event);
   return stored;
 }
 

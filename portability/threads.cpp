@@ -32,10 +32,10 @@ StartRecord* record_of(int32_t** link) {
                                         offsetof(StartRecord, signalled));
 }
 
-// Ends one party's interest; `meeting` is held and released.
-void leave_meeting(StartRecord* record) {
+// Ends one party's interest; `meeting` is released if it is `held`.
+void leave_meeting(StartRecord* record, bool held) {
   const bool last = --record->parties == 0;
-  pthread_mutex_unlock(&record->meeting);
+  if (held) pthread_mutex_unlock(&record->meeting);
   if (!last) return;
   pthread_mutex_destroy(&record->meeting);
   free(record);
@@ -99,9 +99,9 @@ void discard_thread_handle(_voxHandleObject_t* handle) {
 
 void detach_thread(_voxHandleObject_t* handle) {
   StartRecord* record = record_of(handle->threadLink);
-  pthread_mutex_lock(&record->meeting);
+  const bool held = pthread_mutex_lock(&record->meeting) == 0;
   record->signalled = &bDummyThreadSignalled;
-  leave_meeting(record);
+  leave_meeting(record, held);
 }
 
 }  // namespace quillon_com::orb::portability
@@ -151,12 +151,12 @@ void* voxThreadJuggle(void* startRecord) {
 void voxCleanupThread(void* startRecord) {
   auto* record = static_cast<StartRecord*>(startRecord);
   release_slots_of_process();
-  pthread_mutex_lock(&record->meeting);
+  const bool held = pthread_mutex_lock(&record->meeting) == 0;
   if (record->signalled != &bDummyThreadSignalled) {
     set_signalled(record->signalled, 1);
-    pthread_mutex_lock(record->guard);
+    const bool guarded = pthread_mutex_lock(record->guard) == 0;
     pthread_cond_broadcast(record->condition);
-    pthread_mutex_unlock(record->guard);
+    if (guarded) pthread_mutex_unlock(record->guard);
   }
-  leave_meeting(record);
+  leave_meeting(record, held);
 }

@@ -8,6 +8,7 @@
 #include <atomic>
 #include <cstdlib>
 
+#include "portability/forks.h"
 #include "portability/handleparts.h"
 #include "portability/threads.h"
 
@@ -17,21 +18,13 @@ int64_t nTlsOwnerTable[kTlsSlots];
 namespace quillon_com::orb::portability {
 namespace {
 
-pthread_mutex_t table_lock = PTHREAD_MUTEX_INITIALIZER;
+ProcessMutex table_lock;
 bool first_call = true;  // guarded by table_lock
 
 // The key of a slot plus 1, 0 when the slot is free; written under table_lock.
 std::atomic<uint64_t> keys[kTlsSlots];
 
 static_assert(sizeof(pthread_key_t) <= sizeof(uint64_t));
-
-class TableGuard {
- public:
-  TableGuard() { pthread_mutex_lock(&table_lock); }
-  ~TableGuard() { pthread_mutex_unlock(&table_lock); }
-  TableGuard(const TableGuard&) = delete;
-  TableGuard& operator=(const TableGuard&) = delete;
-};
 
 // table_lock is held by the callers of the next three and of release. The exported words are stored
 // atomically, because callers may look at them at any time.
@@ -79,7 +72,7 @@ bool release(uint32_t slot, pthread_key_t key) {
 
 void release_slots_of_process() {
   const int64_t self = process_id();
-  TableGuard guard;
+  const Hold hold(table_lock);
   for (uint32_t slot = 0; slot < kTlsSlots; ++slot) {
     const uint64_t word = keys[slot].load(std::memory_order_relaxed);
     if (word != 0 && nTlsOwnerTable[slot] == self) {
@@ -93,7 +86,7 @@ void release_slots_of_process() {
 using namespace quillon_com::orb::portability;
 
 int64_t voxTlsAlloc() {
-  TableGuard guard;
+  const Hold hold(table_lock);
   clear_tables_once();
   const size_t slot = lowest_free_slot();
   if (slot == kTlsSlots) {
@@ -114,7 +107,7 @@ int64_t voxTlsAlloc() {
 }
 
 int voxTlsFree(uint32_t slot) {
-  TableGuard guard;
+  const Hold hold(table_lock);
   pthread_key_t key{};
   return key_of(slot, &key) && release(slot, key) ? 1 : 0;
 }

@@ -78,11 +78,46 @@ step_exports() {
     echo "$(grep -vc '^#' abi/exports.txt) names"
 }
 
+# The built library stops on a smashed stack or an overrun buffer, and nothing in it is both writable
+# and executable or open to redirected jumps.
+step_hardening() {
+  local file=build/release/liborbcommon.so bad=0 headers dynamic symbols
+  headers=$(readelf -lW "$file") dynamic=$(readelf -dW "$file") symbols=$(readelf -sW "$file")
+  lacks() { echo "$file: $1"; bad=1; }
+  grep -q GNU_RELRO <<<"$headers" || lacks "no read-only relocations"
+  grep -qE 'BIND_NOW|FLAGS.*NOW' <<<"$dynamic" || lacks "jump table stays writable"
+  grep -q 'GNU_STACK.* RW ' <<<"$headers" || lacks "executable stack"
+  grep -q 'LOAD.*RWE' <<<"$headers" && lacks "a segment is writable and executable"
+  grep -qE 'RPATH|RUNPATH|TEXTREL' <<<"$dynamic" && lacks "search path or text relocations"
+  grep -q __stack_chk_fail <<<"$symbols" || lacks "no stack protector"
+  grep -qE '__(memcpy|snprintf|vsnprintf|read|strncpy)_chk' <<<"$symbols" || lacks "no checked buffers"
+  return $bad
+}
+
+# The binary interface is the one that was kept.
+step_abi() { scripts/abi.sh check build/release/liborbcommon.so; }
+
+# Programs of other projects against an installed copy.
+step_install() { scripts/install_check.sh build/release; }
+
+# A new user's first quarter of an hour.
+step_start() { scripts/getting_started_check.sh; }
+
+# The Debian package, made of the release build.
+step_package() {
+  rm -rf build/package
+  cpack --config build/release/CPackConfig.cmake -B build/package >build/package.log 2>&1 ||
+    { cat build/package.log; return 1; }
+  scripts/package_check.sh build/package
+}
+
+step_docs() { scripts/docs.sh; }
+
 step_macos() { ./dev macos; }
 
 step_fuzz() { ./dev fuzz "${FUZZ_SECONDS:-8}"; }
 
-all=(format style shell headers exports tidy asan tsan macos fuzz)
+all=(format style shell headers exports abi hardening docs install package start tidy asan tsan macos fuzz)
 if [ "${1:-}" = list ]; then
   echo "${all[*]}"
   exit 0

@@ -35,7 +35,7 @@ void collect_time(const platform::System& system, MiscInformation& record) {
   bool local_known = false;
   {
     const std::lock_guard<std::mutex> held(zone_mutex);
-    zone = system.zone_name();
+    system.zone_name(&zone);
     local_known = system.local_time(system.wall_clock(), &local);
   }
   record.timeZone = sysprops_ansi_to_wide(zone);

@@ -27,41 +27,41 @@ class CPUInformation {
 // The machine's names and the one address that it presents to its server.
 class NetworkInformation {
  public:
-  std::wstring domainName = L"N/A";
-  std::wstring computerName = L"N/A";
-  std::wstring ipAddress = L"N/A";
-  std::wstring subnetAddress = L"N/A";
-  std::wstring subnetMask = L"N/A";
-  std::wstring netAddress = L"N/A";  // hardware (MAC) address
-  std::wstring ipxAddress = L"N/A";  // never anything else
-  std::wstring ipHostName = L"N/A";  // fully qualified name
+  std::wstring domainName = L"N/A";     // NIS or DNS domain
+  std::wstring computerName = L"N/A";   // node name, without its domain
+  std::wstring ipAddress = L"N/A";      // of the interface that the server sees
+  std::wstring subnetAddress = L"N/A";  // of ipAddress
+  std::wstring subnetMask = L"N/A";     // of ipAddress
+  std::wstring netAddress = L"N/A";     // hardware (MAC) address
+  std::wstring ipxAddress = L"N/A";     // never anything else
+  std::wstring ipHostName = L"N/A";     // fully qualified name
 };
 
 // The memory, in decimal bytes.
 class MemoryInformation {
  public:
-  std::wstring totalPhysicalMemory = L"N/A";
-  std::wstring freeMemory = L"N/A";
+  std::wstring totalPhysicalMemory = L"N/A";  // what the system manages
+  std::wstring freeMemory = L"N/A";           // free pages, on a grid of twentieths
 };
 
 // The operating system.
 class OSInformation {
  public:
-  std::wstring osType = L"N/A";
-  std::wstring osPlatform = L"N/A";  // "Workstation" or "Server"
-  std::wstring osVersion = L"N/A";
+  std::wstring osType = L"N/A";        // "Linux" or "Mac OS X"
+  std::wstring osPlatform = L"N/A";    // "Workstation" or "Server"
+  std::wstring osVersion = L"N/A";     // dotted numbers
   std::wstring osCsdVersion = L"N/A";  // service-pack level
-  std::wstring osBuildNum = L"N/A";
-  std::wstring osOemId = L"N/A";
-  std::wstring platformId;
-  std::wstring osBitMode = L"N/A";  // "1" 64 bits, "0" 32 bits, "-1" unknown
+  std::wstring osBuildNum = L"N/A";    // build, or the kernel release
+  std::wstring osOemId = L"N/A";       // the product's or distribution's own name
+  std::wstring platformId;             // "LINUX" or "MAC"
+  std::wstring osBitMode = L"N/A";     // "1" 64 bits, "0" 32 bits, "-1" unknown
 };
 
 // The local file systems; sizes in megabytes of 2^20 bytes with two decimals.
 class DiskInformation {
  public:
-  std::wstring totalDiskSpace = L"N/A";
-  std::wstring freeDiskSpace = L"N/A";
+  std::wstring totalDiskSpace = L"N/A";  // summed over all of them
+  std::wstring freeDiskSpace = L"N/A";   // summed, on a grid of twentieths
   std::wstring numFileSystems = L"N/A";  // decimal count
   // mount point -> (total, free)
   std::map<std::wstring, std::pair<std::wstring, std::wstring>> fileSystems;
@@ -70,8 +70,8 @@ class DiskInformation {
 // The logged-on users, the time zone, the language and the time of collection.
 class MiscInformation {
  public:
-  std::wstring userName = L"N/A";
-  std::wstring timeZone = L"N/A";
+  std::wstring userName = L"N/A";       // logged-on users, separated by commas
+  std::wstring timeZone = L"N/A";       // abbreviation of standard time
   std::wstring defaultLangId = L"N/A";  // four hexadecimal digits, "0409"
   std::wstring lastUpdate = L"N/A";     // "MM/DD/YYYY hh:mm:ss", local time
 };
@@ -292,6 +292,7 @@ template <class T>
 ORB_EXPORT T get_closest_floor(const T& value, const T& upper, const T& lower,
                                const unsigned& steps);
 
+// The two instances that the library holds.
 extern template ORB_EXPORT unsigned long long get_closest_floor<unsigned long long>(
     const unsigned long long&, const unsigned long long&, const unsigned long long&,
     const unsigned&);

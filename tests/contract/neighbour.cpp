@@ -1,12 +1,14 @@
 // tests/contract/neighbour.cpp: a library whose static initialiser uses ours.
 #include "tests/contract/neighbour.h"
 
+#include "config/configkeys.h"
 #include "sysprops/catalogue.h"
 #include "sysprops/records.h"
 
 namespace {
 
-namespace sysprops = quillon_com::orb::sysprops;
+namespace orb = quillon_com::orb;
+namespace sysprops = orb::sysprops;
 
 SeenAtLoad take_down() {
   SeenAtLoad seen;
@@ -21,6 +23,14 @@ SeenAtLoad take_down() {
   seen.serial_number = voxcomn_get_cpu_serial_number();
   seen.unclaimed = voxcomn_get_number_of_file_systems();
   sysprops::ISysProps().GetAllSystemProperties(seen.report);
+  seen.policy_section = orb::section_sitelist;
+  seen.policy_key = orb::key_ls_bListenToHUBServerOnly;
+  seen.loose_key = orb::key_count_relay_max_connections_exceeded;
+  seen.product_key = orb::props_loggedon_user;
+  seen.task_root = orb::TaskRoot;
+  seen.task_section = orb::DependenciesSection;
+  seen.task_key = orb::DeleteWhenFinishedKey;
+  seen.schedule_key = orb::GMT_Key;
   return seen;
 }
 

@@ -11,6 +11,8 @@ struct SeenAtLoad {
   std::wstring last_known_ip;
   std::wstring serial_number, unclaimed;
   std::map<std::wstring, std::wstring> report;
+  std::wstring policy_section, policy_key, loose_key, product_key;
+  std::string task_root, task_section, task_key, schedule_key;
 };
 
 // What its static initialiser took down.

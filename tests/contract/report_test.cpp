@@ -30,6 +30,18 @@ TEST(LoadTime, ConstantsServeAnotherLibrarysStaticInitialiser) {
   EXPECT_EQ(L"", seen.last_known_ip);
 }
 
+TEST(LoadTime, ConfigurationNamesServeAnotherLibrarysStaticInitialiser) {
+  const SeenAtLoad& seen = seen_at_load();
+  EXPECT_EQ(L"SiteList", seen.policy_section);
+  EXPECT_EQ(L"bListenToHUBServerOnly", seen.policy_key);
+  EXPECT_EQ(L"MAX_CONN_EXCEEDED", seen.loose_key);
+  EXPECT_EQ(L"UserName", seen.product_key);
+  EXPECT_EQ("TaskRoot", seen.task_root);
+  EXPECT_EQ("Task Dependencies", seen.task_section);
+  EXPECT_EQ("DeleteWhenFinished", seen.task_key);
+  EXPECT_EQ("GMTTime", seen.schedule_key);
+}
+
 TEST(LoadTime, FunctionsServeAnotherLibrarysStaticInitialiser) {
   const SeenAtLoad& seen = seen_at_load();
   EXPECT_EQ(L"N/A", seen.serial_number);

@@ -12,6 +12,7 @@ namespace seam = quillon_com::orb::platform;
 
 constexpr std::pair kCount{CTL_HW, HW_NCPU};
 constexpr std::pair kMemory{CTL_HW, HW_MEMSIZE};
+constexpr std::pair kBoot{CTL_KERN, KERN_BOOTTIME};
 constexpr std::pair kDomain{CTL_KERN, KERN_NISDOMAINNAME};
 
 class MacFacts : public MacTest {
@@ -54,6 +55,15 @@ TEST_F(MacFacts, AMemorySizeOf32BitsFillsTheLowHalfAlone) {
   uint64_t bytes = ~uint64_t{0};
   EXPECT_TRUE(system.total_memory(&bytes));
   EXPECT_EQ(0x80000000u, bytes);
+}
+
+TEST_F(MacFacts, TheBootTimeIsTheSecondsOfAMoment) {
+  time_t boot = 77;
+  EXPECT_FALSE(system.boot_time(&boot));
+  EXPECT_EQ(77, boot);
+  mac().kernel_values[kBoot] = bytes_of(timeval{1700000000, 999999});
+  EXPECT_TRUE(system.boot_time(&boot));
+  EXPECT_EQ(1700000000, boot);
 }
 
 TEST_F(MacFacts, TheModelEndsAtItsTerminator) {

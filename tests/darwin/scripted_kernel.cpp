@@ -9,6 +9,7 @@
 #include <cerrno>
 #include <cstdio>
 #include <cstdlib>
+#include <cstring>
 
 #include "tests/darwin/scripted_macos.h"
 
@@ -138,6 +139,18 @@ int getfsstat(struct statfs* table, int size, int mode) {
   const size_t given = std::min(room, records.size());
   std::copy_n(records.begin(), given, table);
   return static_cast<int>(mac().mounts_overstated ? records.size() : given);
+}
+
+// The record of the first mount table that is mounted at `path`.
+int statfs(const char* path, struct statfs* record) {
+  const auto& mounts = mac().mounts;
+  if (mounts.empty() || !mounts.front()) return -1;
+  for (const struct statfs& each : *mounts.front()) {
+    if (strcmp(each.f_mntonname, path) != 0) continue;
+    *record = each;
+    return 0;
+  }
+  return -1;
 }
 
 struct utmpx* getutxent() {

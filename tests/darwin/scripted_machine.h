@@ -39,7 +39,10 @@ class ScriptedMachine : public quillon_com::orb::platform::DarwinSystem {
   }
   time_t wall_clock() const override { return now; }
   bool local_time(time_t, tm* out) const override { return give(broken_down, out); }
-  std::string zone_name() const override { return zone; }
+  bool zone_name(std::string* out) const override {
+    *out = zone;
+    return true;
+  }
   bool primary_group(const std::string& user, std::string* out) const override {
     return find(groups, user, out);
   }

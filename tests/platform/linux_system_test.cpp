@@ -5,6 +5,7 @@
 
 #include <string>
 
+#include "platform/linux_text.h"
 #include "tests/support/machine_roots.h"
 
 namespace {
@@ -51,6 +52,42 @@ TEST_P(Machine, Identification) {
   EXPECT_EQ(expected.debian_version, release.debian_version);
   EXPECT_EQ(expected.chassis_type, release.chassis_type);
   EXPECT_EQ("", release.legacy_name);
+}
+
+TEST(BootTime, OfTheKernelsStatistics) {
+  struct Row {
+    const char *name, *statistics;
+    std::optional<time_t> boot;
+  };
+  for (const Row& row : {Row{"stated", "cpu  1 2\nbtime 1700000000\n", 1700000000},
+                         Row{"not stated", "cpu  1 2\n", std::nullopt},
+                         Row{"the last moment", "btime 9223372036854775807\n", INT64_MAX},
+                         Row{"beyond it", "btime 9223372036854775808\n", std::nullopt},
+                         Row{"no file", nullptr, std::nullopt}}) {
+    TempDir root;
+    if (row.statistics != nullptr) root.write("/proc/stat", row.statistics);
+    time_t boot = -7;
+    EXPECT_EQ(row.boot.has_value(), LinuxSystem(root.path()).boot_time(&boot)) << row.name;
+    EXPECT_EQ(row.boot.value_or(-7), boot) << row.name;
+  }
+}
+
+TEST(BootTime, BehindTheLinesOfManyInterrupts) {
+  TempDir root;
+  root.write("/proc/stat", "intr 1" + std::string(300000, '0') + "\nbtime 1700000000\n");
+  time_t boot = 0;
+  EXPECT_TRUE(LinuxSystem(root.path()).boot_time(&boot));
+  EXPECT_EQ(1700000000, boot);
+}
+
+TEST(BootTime, OfTheRunningMachineIsTheKernels) {
+  std::string statistics;
+  ASSERT_TRUE(host().file_bytes("/proc/stat", size_t{4} << 20, &statistics));
+  const auto stated = boot_seconds(statistics);
+  ASSERT_TRUE(stated);
+  time_t boot = 0;
+  EXPECT_TRUE(host().boot_time(&boot));
+  EXPECT_NEAR(static_cast<double>(*stated), static_cast<double>(boot), 1);
 }
 
 TEST_P(Machine, Memory) {

@@ -58,6 +58,18 @@ TEST(KernelName, NoneInParenthesesIsEmpty) {
   EXPECT_EQ("", name_unless_none(""));
 }
 
+TEST(BootSeconds, OfTheFirstLineThatStatesThem) {
+  const std::string processors = "cpu  1 2 3\ncpu0 1 2 3\nintr 5 0 0\nctxt 7\n";
+  EXPECT_EQ(1795235419u, boot_seconds(processors + "btime 1795235419\nprocesses 9\n"));
+  EXPECT_EQ(5u, boot_seconds("btime 5"));
+  EXPECT_EQ(0u, boot_seconds("btime 0\nbtime 5\n"));
+  EXPECT_EQ(std::nullopt, boot_seconds(processors));
+  EXPECT_EQ(std::nullopt, boot_seconds(""));
+  EXPECT_EQ(std::nullopt, boot_seconds("btime\n"));
+  EXPECT_EQ(std::nullopt, boot_seconds("btime x\n"));
+  EXPECT_EQ(std::nullopt, boot_seconds("btimes 5\nxbtime 5\n"));
+}
+
 struct MemoryCase {
   const char* name;
   std::string table;

@@ -8,6 +8,7 @@
 #include <net/if.h>
 #include <pwd.h>
 #include <sys/stat.h>
+#include <sys/times.h>
 #include <sys/utsname.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -29,6 +30,7 @@ using quillon_com::orb::platform::KernelNames;
 using quillon_com::orb::platform::program_exists;
 using quillon_com::orb::platform::read_descriptor;
 using quillon_com::orb::platform::System;
+using quillon_com::orb::platform::TickCount;
 using namespace std::string_literals;
 
 std::string output_of(const std::string& command, size_t limit = 1024) {
@@ -261,13 +263,30 @@ TEST(Time, LocalInTheZoneOfTheEnvironment) {
   EXPECT_EQ(2, time.tm_hour);
   EXPECT_EQ(2, time.tm_mday);
   EXPECT_EQ(70, time.tm_year);
-  EXPECT_EQ("XYZ", host().zone_name());
+  std::string name;
+  EXPECT_TRUE(host().zone_name(&name));
+  EXPECT_EQ("XYZ", name);
+  EXPECT_TRUE(host().utc_time(86400, &time));
+  EXPECT_EQ(0, time.tm_hour);
+  EXPECT_EQ(2, time.tm_mday);
+  EXPECT_EQ(70, time.tm_year);
+}
+
+TEST(Time, ZoneThatTheLibraryHasNoNameOf) {
+  orbtest::ScopedTimeZone zone("XYZ-2");
+  char* const name = tzname[0];
+  tzname[0] = nullptr;
+  std::string read = "old";
+  EXPECT_FALSE(host().zone_name(&read));
+  EXPECT_EQ("old", read);
+  tzname[0] = name;
 }
 
 TEST(Time, YearThatDoesNotFitIsRefused) {
   tm time{};
   time.tm_hour = 77;
   EXPECT_FALSE(host().local_time(INT64_MAX, &time));
+  EXPECT_FALSE(host().utc_time(INT64_MAX, &time));
   EXPECT_EQ(77, time.tm_hour);
 }
 
@@ -276,6 +295,27 @@ TEST(Time, WallClockRuns) {
   const time_t now = host().wall_clock();
   EXPECT_LE(before, now);
   EXPECT_LE(now, time(nullptr));
+}
+
+TEST(Time, WallTimeIsTheSameClock) {
+  timespec before{};
+  timespec after{};
+  clock_gettime(CLOCK_REALTIME, &before);
+  const timeval now = host().wall_time();
+  clock_gettime(CLOCK_REALTIME, &after);
+  const int64_t microseconds = int64_t{now.tv_sec} * 1000000 + now.tv_usec;
+  EXPECT_LE(int64_t{before.tv_sec} * 1000000 + before.tv_nsec / 1000, microseconds);
+  EXPECT_LE(microseconds, int64_t{after.tv_sec} * 1000000 + after.tv_nsec / 1000);
+  EXPECT_LT(now.tv_usec, 1000000);
+}
+
+TEST(Time, TicksAreThoseOfTheProcessTimes) {
+  tms used{};
+  const clock_t before = times(&used);
+  const TickCount count = host().tick_count();
+  EXPECT_LE(before, count.ticks);
+  EXPECT_LE(count.ticks, times(&used));
+  EXPECT_EQ(sysconf(_SC_CLK_TCK), count.per_second);
 }
 
 TEST(PrimaryGroup, OfEveryAccount) {

@@ -3,7 +3,6 @@
 
 #include "portability/Linklist.h"
 #include "tests/portability/attached.h"
-#include "tests/support/faults.h"
 
 namespace {
 
@@ -114,13 +113,6 @@ TEST_F(GuardedDoubleList, HeadOfAnEmptyListIsTheEndAndTheLockIsKept) {
   EXPECT_EQ(1, vxLL2_XIsEnd(head));
   EXPECT_EQ(vxSO_GetThread(), list_->lock->owner);
   vxSLL2_LockRelease(list_);
-  Item item{};
-  vxSLL2_XInsertHead(list_, &item);
-  EXPECT_EQ(&item, vxSLL2_XGetHead(list_, 0, 1));
-  EXPECT_EQ(-1, list_->lock->owner);
-  EXPECT_EQ(1u, list_->lock->count);
-  vxSLL2_LockRelease(list_);
-  EXPECT_EQ(&item, vxSLL2_XRemoveHead(list_));
 }
 
 TEST_F(GuardedDoubleList, HeadBehindABusyLockIsNull) {
@@ -162,44 +154,6 @@ TEST_F(GuardedDoubleList, UninitTakesTheItemsOut) {
   vxSLL2_XInsertTail(&own, &second);
   vxSLL2_Uninit(&own);
   expect_empty(&own);
-}
-
-TEST_F(GuardedDoubleList, OperationsExcludeEachOther) {
-  constexpr int kRounds = 1000;
-  Item items[4]{};
-  std::vector<std::thread> threads;
-  for (Item& item : items) {
-    threads.push_back(orbtest::attached([&] {
-      vxSLL2_XInsertTail(list_, &item);
-      for (int round = 0; round < kRounds; ++round) {
-        void* taken = round % 2 == 0 ? vxSLL2_XRemoveHead(list_) : vxSLL2_XRemoveTail(list_);
-        ASSERT_NE(nullptr, taken);
-        vxSLL2_XInsertHead(list_, taken);
-      }
-    }));
-  }
-  for (auto& thread : threads) thread.join();
-  int left = 0;
-  while (vxSLL2_XRemoveHead(list_) != nullptr) ++left;
-  EXPECT_EQ(4, left);
-}
-
-TEST_F(GuardedDoubleList, QuirkCreationWithoutMemoryForTheLockGivesZero) {
-  const struct {
-    const char* name;
-    size_t nth;
-    uint32_t result;
-  } cases[] = {{"no memory for the record", 1, 0x80000008u}, {"no memory for its lock", 2, 0}};
-  for (const auto& each : cases) {
-    auto* out = list_;
-    uint32_t result = 1;
-    {
-      orbtest::MemoryFaults faults(each.nth);
-      result = vxSLL2_Create(&out);
-    }
-    EXPECT_EQ(each.result, result) << each.name;
-    EXPECT_EQ(nullptr, out) << each.name;
-  }
 }
 
 }  // namespace

@@ -320,22 +320,4 @@ TEST_F(DynLib, LockThatCannotBeTakenStores16) {
   EXPECT_EQ(1, voxFreeLibrary(library));
 }
 
-TEST_F(DynLib, ThreadsLoadAndReleaseTogether) {
-  constexpr int kRounds = 300;
-  std::vector<std::thread> threads;
-  for (int each = 0; each < 4; ++each) {
-    threads.emplace_back([] {
-      for (int round = 0; round < kRounds; ++round) {
-        void* library = voxLoadLibrary(kPlainPlugin, nullptr);
-        ASSERT_NE(nullptr, library);
-        ASSERT_EQ(1, voxDisableThreadLibraryCalls(library));
-        ASSERT_NE(nullptr, voxGetProcAddress(library, "plain_number", nullptr));
-        ASSERT_EQ(nullptr, voxGetProcAddress(library, "no_such_symbol", nullptr));
-        ASSERT_EQ(1, voxFreeLibrary(library));
-      }
-    });
-  }
-  for (auto& thread : threads) thread.join();
-}
-
 }  // namespace

@@ -2,7 +2,6 @@
 #pragma once
 
 #include <chrono>
-#include <cstdlib>
 #include <memory>
 #include <thread>
 
@@ -43,12 +42,6 @@ int64_t milliseconds_of(Work work) {
   return std::chrono::duration_cast<std::chrono::milliseconds>(std::chrono::steady_clock::now() -
                                                                start)
       .count();
-}
-
-// Rounds of a stress test: `usual`, or what ORB_STRESS_ROUNDS asks for.
-inline long stress_rounds(long usual) {
-  const char* wanted = getenv("ORB_STRESS_ROUNDS");
-  return wanted == nullptr ? usual : atol(wanted);
 }
 
 }  // namespace orbtest

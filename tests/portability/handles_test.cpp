@@ -236,30 +236,4 @@ TEST(CloseHandle, GivesZeroWhenTheGuardFails) {
   }
 }
 
-// A waiter closes the event as soon as its wait returns, while the setter may still be leaving.
-void set_wait_and_close(long rounds) {
-  std::atomic<void*> passed{nullptr};
-  std::thread setter([&] {
-    for (long round = 0; round < rounds; ++round) {
-      void* event = nullptr;
-      while ((event = passed.exchange(nullptr)) == nullptr) std::this_thread::yield();
-      voxSetEvent(event);
-    }
-  });
-  for (long round = 0; round < rounds; ++round) {
-    void* event = voxCreateEvent(nullptr, 1, 0, nullptr);
-    passed.store(event);
-    EXPECT_EQ(voxWaitForSingleObject(event, INFINITE), uint64_t{WAIT_OBJECT_0});
-    EXPECT_EQ(voxCloseHandle(event), 1);
-  }
-  setter.join();
-}
-
-TEST(HandleStress, SetInOneThreadWaitAndCloseInAnother) {
-  const long rounds = orbtest::stress_rounds(20000);
-  std::thread second(set_wait_and_close, rounds);
-  set_wait_and_close(rounds);
-  second.join();
-}
-
 }  // namespace

@@ -248,39 +248,4 @@ TEST(ThreadEnd, NeverStoresAnErrorWord) {
   for (uint32_t slot = 0; slot < kTlsSlots; ++slot) voxTlsFree(slot);
 }
 
-enum class Closing { after_the_wait, at_once, by_turns };
-
-void run_rounds(Closing closing, long rounds) {
-  std::atomic<long> ran{0};
-  const auto count = [](void* argument) -> void* {
-    ++*static_cast<std::atomic<long>*>(argument);
-    return nullptr;
-  };
-  for (long round = 0; round < rounds; ++round) {
-    void* thread = begin(count, &ran);
-    ASSERT_NE(thread, kNoThread);
-    if (closing == Closing::after_the_wait || (closing == Closing::by_turns && round % 2 == 0)) {
-      EXPECT_EQ(voxWaitForSingleObject(thread, INFINITE), kSignalled);
-    }
-    EXPECT_EQ(voxCloseHandle(thread), 1);
-  }
-  while (ran != rounds) std::this_thread::yield();
-}
-
-TEST(ThreadStress, BeginWaitClose) {
-  run_rounds(Closing::after_the_wait, orbtest::stress_rounds(5000));
-}
-
-TEST(ThreadStress, BeginAndCloseAtOnce) {
-  run_rounds(Closing::at_once, orbtest::stress_rounds(3000));
-}
-
-TEST(ThreadStress, BeginAndCloseFromSeveralThreads) {
-  std::vector<std::thread> threads;
-  for (int n = 0; n < 4; ++n) {
-    threads.emplace_back([] { run_rounds(Closing::by_turns, orbtest::stress_rounds(1000)); });
-  }
-  for (std::thread& thread : threads) thread.join();
-}
-
 }  // namespace

@@ -298,25 +298,4 @@ TEST(SingleWait, ACancelledWaiterLeavesTheHandleUsable) {
   EXPECT_EQ(voxSetEvent(event.get()), 1);
 }
 
-TEST(MutexStress, OneThreadAtATimeHoldsIt) {
-  const long rounds = orbtest::stress_rounds(2000);
-  constexpr int kThreads = 8;
-  Handle mutex = make_mutex();
-  long plain = 0;  // unguarded but by the mutex
-  std::vector<std::thread> threads;
-  for (int n = 0; n < kThreads; ++n) {
-    threads.emplace_back([&, n] {
-      for (long round = 0; round < rounds;) {
-        const uint64_t limit = n % 2 == 0 ? uint64_t{INFINITE} : 1;
-        if (voxWaitForSingleObject(mutex.get(), limit) != kSignalled) continue;
-        ++plain;
-        ++round;
-        voxReleaseMutex(mutex.get());
-      }
-    });
-  }
-  for (std::thread& thread : threads) thread.join();
-  EXPECT_EQ(plain, kThreads * rounds);
-}
-
 }  // namespace

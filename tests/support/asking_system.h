@@ -43,11 +43,21 @@ class AskingSystem : public ForwardingSystem {
     return note("kernel_names"), ForwardingSystem::kernel_names(out);
   }
   time_t wall_clock() const override { return note("wall_clock"), ForwardingSystem::wall_clock(); }
+  timeval wall_time() const override { return note("wall_time"), ForwardingSystem::wall_time(); }
+  bool boot_time(time_t* out) const override {
+    return note("boot_time"), ForwardingSystem::boot_time(out);
+  }
+  quillon_com::orb::platform::TickCount tick_count() const override {
+    return note("tick_count"), ForwardingSystem::tick_count();
+  }
   bool local_time(time_t seconds, tm* out) const override {
     return note("local_time"), ForwardingSystem::local_time(seconds, out);
   }
-  std::string zone_name() const override {
-    return note("zone_name"), ForwardingSystem::zone_name();
+  bool utc_time(time_t seconds, tm* out) const override {
+    return note("utc_time"), ForwardingSystem::utc_time(seconds, out);
+  }
+  bool zone_name(std::string* out) const override {
+    return note("zone_name"), ForwardingSystem::zone_name(out);
   }
   bool next_session_entry(quillon_com::orb::platform::SessionEntry* out) const override {
     return note("next_session_entry"), ForwardingSystem::next_session_entry(out);

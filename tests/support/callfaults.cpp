@@ -37,13 +37,15 @@ int failure_of(std::string_view function) {
 struct Follower {
   std::string_view function;
   std::function<void()> action;
+  size_t nth = 1;
+  size_t answered = 0;
 };
 
 thread_local Follower follower;
 
 // Passes on the result of a call of `function`, once what is to follow it is done.
 int followed(std::string_view function, int result) {
-  if (follower.function != function) return result;
+  if (follower.function != function || ++follower.answered != follower.nth) return result;
   follower.function = {};
   follower.action();
   return result;
@@ -60,8 +62,8 @@ CallFaults::~CallFaults() { watch.function = {}; }
 size_t CallFaults::calls() const { return watch.calls; }
 size_t CallFaults::failures() const { return watch.failures; }
 
-AfterCall::AfterCall(std::string_view function, std::function<void()> action) {
-  follower = {function, std::move(action)};
+AfterCall::AfterCall(std::string_view function, std::function<void()> action, size_t nth) {
+  follower = {function, std::move(action), nth, 0};
 }
 AfterCall::~AfterCall() { follower = {}; }
 

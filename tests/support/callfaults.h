@@ -29,11 +29,11 @@ class CallFaults {
   size_t failures() const;
 };
 
-// While it lives, `action` runs right behind the first call of the pthread function `function` that
-// this thread makes and the system answers. At most one scope is alive in a thread.
+// While it lives, `action` runs right behind call number `nth` (from 1) of the pthread function
+// `function` that this thread makes and the system answers. At most one scope is alive in a thread.
 class AfterCall {
  public:
-  AfterCall(std::string_view function, std::function<void()> action);
+  AfterCall(std::string_view function, std::function<void()> action, size_t nth = 1);
   AfterCall(const AfterCall&) = delete;
   AfterCall& operator=(const AfterCall&) = delete;
   ~AfterCall();

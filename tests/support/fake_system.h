@@ -25,8 +25,13 @@ class FakeSystem : public seam::System {
   std::optional<std::string> domain;             // getdomainname's
   std::optional<seam::KernelNames> kernel;
   time_t now = 0;
-  std::optional<tm> broken_down;
+  suseconds_t now_microseconds = 0;
+  std::optional<time_t> boot;
+  seam::TickCount ticks;
+  std::optional<tm> broken_down;  // local
+  std::optional<tm> utc;
   std::string zone;
+  bool zone_known = true;
   std::vector<seam::SessionEntry> sessions;
   std::map<std::string, std::string> groups;    // account -> primary group
   std::map<std::string, std::string> commands;  // command -> whole output
@@ -76,8 +81,15 @@ class FakeSystem : public seam::System {
   bool domain_name(std::string* out) const override { return give(domain, out); }
   bool kernel_names(seam::KernelNames* out) const override { return give(kernel, out); }
   time_t wall_clock() const override { return now; }
+  timeval wall_time() const override { return {now, now_microseconds}; }
+  bool boot_time(time_t* out) const override { return give(boot, out); }
+  seam::TickCount tick_count() const override { return ticks; }
   bool local_time(time_t, tm* out) const override { return give(broken_down, out); }
-  std::string zone_name() const override { return zone; }
+  bool utc_time(time_t, tm* out) const override { return give(utc, out); }
+  bool zone_name(std::string* out) const override {
+    if (zone_known) *out = zone;
+    return zone_known;
+  }
   bool next_session_entry(seam::SessionEntry* out) const override {
     if (session_cursor >= sessions.size()) return false;
     *out = sessions[session_cursor++];

@@ -38,8 +38,12 @@ class ForwardingSystem : public quillon_com::orb::platform::System {
     return base_.kernel_names(out);
   }
   time_t wall_clock() const override { return base_.wall_clock(); }
+  timeval wall_time() const override { return base_.wall_time(); }
+  bool boot_time(time_t* out) const override { return base_.boot_time(out); }
+  quillon_com::orb::platform::TickCount tick_count() const override { return base_.tick_count(); }
   bool local_time(time_t seconds, tm* out) const override { return base_.local_time(seconds, out); }
-  std::string zone_name() const override { return base_.zone_name(); }
+  bool utc_time(time_t seconds, tm* out) const override { return base_.utc_time(seconds, out); }
+  bool zone_name(std::string* out) const override { return base_.zone_name(out); }
   bool next_session_entry(quillon_com::orb::platform::SessionEntry* out) const override {
     return base_.next_session_entry(out);
   }

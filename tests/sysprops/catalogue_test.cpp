@@ -150,9 +150,9 @@ class OrderedSystem : public orbtest::ForwardingSystem {
     order.push_back("disk");
     return ForwardingSystem::volumes();
   }
-  std::string zone_name() const override {
+  bool zone_name(std::string* out) const override {
     order.push_back("misc");
-    return ForwardingSystem::zone_name();
+    return ForwardingSystem::zone_name(out);
   }
   bool release_texts(quillon_com::orb::platform::ReleaseTexts* out) const override {
     order.push_back("os");

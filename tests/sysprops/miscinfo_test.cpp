@@ -213,10 +213,11 @@ TEST(MiscInfo, ASecondCollectionReplacesEveryField) {
 // writes anew, and whether the name came before the time.
 class ZoneWatch : public FakeSystem {
  public:
-  std::string zone_name() const override {
+  bool zone_name(std::string* name) const override {
     visit();
     named = true;
-    return "CET";
+    *name = "CET";
+    return true;
   }
   bool local_time(time_t, tm*) const override {
     visit();

@@ -35,6 +35,7 @@ struct statfs {
 extern "C" {
 #endif
 int getfsstat(struct statfs* table, int size, int mode) ORB_SCRIPTED(getfsstat);
+int statfs(const char* path, struct statfs* record) ORB_SCRIPTED(statfs);
 #ifdef __cplusplus
 }
 #endif

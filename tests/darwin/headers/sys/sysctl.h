@@ -7,6 +7,7 @@
 
 #define CTL_KERN 1
 #define CTL_HW 6
+#define KERN_BOOTTIME 21
 #define KERN_NISDOMAINNAME 22
 #define HW_NCPU 3
 #define HW_MEMSIZE 24

@@ -1,9 +1,10 @@
-// tests/portability/selock_stress_test.cpp: threads in all modes of the lock at once.
+// tests/stress/selock_stress_test.cpp: threads in all modes of the lock at once.
 #include <atomic>
 #include <vector>
 
 #include "portability/selock.h"
 #include "tests/portability/attached.h"
+#include "tests/support/stress.h"
 
 namespace {
 
@@ -52,15 +53,15 @@ TEST_F(SELockStress, EightThreadsInAllModesKeepTheLock) {
   _vxSELock_t* lock = nullptr;
   ASSERT_EQ(0u, vxSO_SELockCreate(&lock));
   constexpr int kThreads = 8;
-  constexpr int kRounds = 2500;
+  const long rounds = orbtest::stress_rounds() / kThreads;
   int64_t written = 0;
   std::atomic<int64_t> writes{0};
   std::vector<std::thread> threads;
   for (int each = 0; each < kThreads; ++each) {
     threads.push_back(orbtest::attached([&, each] {
       char self = 0;
-      for (int round = 0; round < kRounds; ++round)
-        enter_somehow(lock, (each + round) % 5, &written, &writes, &self);
+      for (long round = 0; round < rounds; ++round)
+        enter_somehow(lock, static_cast<int>((each + round) % 5), &written, &writes, &self);
     }));
   }
   for (auto& thread : threads) thread.join();

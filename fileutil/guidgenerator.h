@@ -1,0 +1,49 @@
+// fileutil/guidgenerator.h: the state behind the GUIDs of a process.
+#pragma once
+
+#include <pthread.h>
+
+#include <atomic>
+#include <cstdint>
+
+#include "fileutil/guid.h"
+
+namespace quillon_com::orb::platform {
+class System;
+}
+
+namespace quillon_com::orb {
+
+// Makes GUIDs by the rules of fileutil/guid.h. A later GUID of a clock that runs on takes no lock.
+class GuidGenerator {
+ public:
+  // By the clock of `system`, which is read and never kept. `guid` is not null. Safe from any
+  // thread. Waits for the clock to move on when it stands at the reference moment for an eleventh
+  // GUID in a row.
+  void create(const platform::System& system, voxGuid* guid);
+
+ private:
+  struct Moment {
+    int64_t time;         // microseconds since 1970
+    uint32_t adjustment;  // units of 100 ns
+    uint16_t sequence;    // of the clock
+  };
+
+  // The node of the first GUID; of a later one it stays as it is.
+  void choose_first_node(uint8_t* node);
+  void choose_reference(int64_t now);  // under the mutex
+  // What a clock that has not passed the reference moment, or the first GUID, asks for.
+  Moment settle(const platform::System& system, int64_t now);
+
+  pthread_mutex_t mutex_ = PTHREAD_MUTEX_INITIALIZER;  // serialises the changes of what follows
+  std::atomic<bool> initialised_{false};               // a first GUID was begun, its node chosen
+  std::atomic<int64_t> reference_{0};    // microseconds since 1970: a second before the first GUID
+  std::atomic<uint32_t> adjustment_{0};  // GUIDs made at the reference moment in a row
+  std::atomic<uint16_t> clock_sequence_{0};
+};
+
+// voxcomn_create_guid with a generator and a machine of the caller's.
+int create_guid_text(GuidGenerator& generator, const platform::System& system, voxGuid* out,
+                     char* text, unsigned size);
+
+}  // namespace quillon_com::orb

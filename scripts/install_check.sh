@@ -1,0 +1,37 @@
+#!/usr/bin/env bash
+# scripts/install_check.sh BUILD: installs BUILD into an empty prefix and builds and runs the
+# examples and the consumers of tests/contract against that copy alone, by CMake, and the latter
+# also by pkg-config.
+set -euo pipefail
+cd "$(dirname "$0")/.."
+build=$1
+work=$(mktemp -d)
+trap 'rm -rf "$work"' EXIT
+prefix=$work/prefix
+cmake --install "$build" --prefix "$prefix" >/dev/null
+cp -r tests/contract/consumers examples "$work"  # where no header of ours is near
+
+# logged COMMAND...: runs it; what it prints is shown when it fails.
+logged() { "$@" >"$work/log" 2>&1 || { cat "$work/log"; exit 1; }; }
+
+for project in consumers examples; do
+  folder=$work/$project-build
+  logged cmake -S "$work/$project" -B "$folder" -G Ninja -DCMAKE_PREFIX_PATH="$prefix"
+  logged cmake --build "$folder"
+  logged ctest --test-dir "$folder" --output-on-failure
+done
+
+cd "$work/consumers"
+
+PKG_CONFIG_PATH=$(dirname "$(find "$prefix" -name orbcommon.pc)")
+export PKG_CONFIG_PATH
+read -ra flags <<<"$(pkg-config --cflags orbcommon)"
+read -ra libraries <<<"$(pkg-config --libs orbcommon) -Wl,-rpath,$(pkg-config --variable=libdir orbcommon)"
+cc -std=c11 -shared -fPIC "${flags[@]}" c/plugin.c -o "$work/plugin.so"
+mapfile -t sources < <(find c -name '*.c' ! -name plugin.c)
+cc -std=c11 "${flags[@]}" "${sources[@]}" "${libraries[@]}" -o "$work/c11"
+c++ -std=c++17 "${flags[@]}" cxx/*.cpp "${libraries[@]}" -o "$work/cxx17"
+cd "$work"
+logged ./c11 "$work/plugin.so"
+logged ./cxx17
+echo "built and run against the installed library by CMake and by pkg-config"

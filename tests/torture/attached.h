@@ -1,0 +1,79 @@
+// tests/torture/attached.h: what rows of locks and lists set up.
+#pragma once
+
+#include <atomic>
+#include <string_view>
+#include <thread>
+
+#include "portability/selock.h"
+#include "portability/threads.h"
+#include "tests/support/torture.h"
+
+namespace orbtest {
+
+// The slot and the calling thread's event, for a scope.
+class Attached {
+ public:
+  Attached() {
+    vxSO_ProcessAttach();
+    vxSO_ThreadAttach();
+  }
+  ~Attached() {
+    vxSO_ThreadDetach();
+    vxSO_ProcessDetach();
+  }
+  Attached(const Attached&) = delete;
+  Attached& operator=(const Attached&) = delete;
+};
+
+// A lock, for a scope.
+class Lock {
+ public:
+  Lock() { vxSO_SELockCreate(&lock_); }
+  ~Lock() { vxSO_Release(lock_); }
+  Lock(const Lock&) = delete;
+  Lock& operator=(const Lock&) = delete;
+  _vxSELock_t* get() const { return lock_; }
+  _vxSELock_t* operator->() const { return lock_; }
+
+ private:
+  _vxSELock_t* lock_ = nullptr;
+};
+
+// Holds `lock` exclusively in another thread, which gives it up when the tortured call sleeps for
+// it, or when a call failed on its way there.
+class OtherHolder {
+ public:
+  OtherHolder(_vxSELock_t* lock, const Trial& trial)
+      : thread_([this, lock, &trial] {
+          vxSO_ThreadAttach();
+          vxSO_SELockExclusive(lock, 1);
+          holds_ = true;
+          while (!over_ && !trial.failed() &&
+                 std::string_view(trial.trace().last()) != "pthread_cond_wait") {
+            std::this_thread::yield();
+          }
+          vxSO_SELockRelease(lock);
+          vxSO_ThreadDetach();
+        }) {
+    while (!holds_) std::this_thread::yield();
+  }
+  ~OtherHolder() {
+    over_ = true;
+    thread_.join();
+  }
+  OtherHolder(const OtherHolder&) = delete;
+  OtherHolder& operator=(const OtherHolder&) = delete;
+
+ private:
+  std::atomic<bool> holds_{false};
+  std::atomic<bool> over_{false};
+  std::thread thread_;
+};
+
+// What functions give that only take locks which cannot fail: the same whatever fails.
+inline std::vector<Fault> indifferent(const char* answer) {
+  return {{"pthread_mutex_lock", answer}, {"pthread_mutex_unlock", answer}};
+}
+
+}  // namespace orbtest
