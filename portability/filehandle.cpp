@@ -60,7 +60,8 @@ _voxFileRecord_t* file_of(void* handle) {
 
 // The file record of a handle; null, with 22 in nErrno, when there is none.
 _voxFileRecord_t* checked_file(void* handle) {
-  _voxFileRecord_t* file = handle == nullptr ? nullptr : file_of(handle);
+  const bool none = handle == nullptr || handle == no_handle();
+  _voxFileRecord_t* file = none ? nullptr : file_of(handle);
   if (file == nullptr) store_error(kErrInvalid);
   return file;
 }
@@ -110,12 +111,21 @@ int deliver(ssize_t count, uint32_t* out) {
   return 1;
 }
 
+// Removes the file by its whole path, which is kept when it was opened to be removed; a caller that
+// marked the record later has the path field alone, which must then hold all of it.
+bool remove_file(const _voxFileRecord_t* file) {
+  if (file->wholePath != nullptr) return remove(file->wholePath) == 0;
+  if (memchr(file->path, '\0', sizeof file->path) != nullptr) return remove(file->path) == 0;
+  errno = ENAMETOOLONG;
+  return false;
+}
+
 }  // namespace
 
 bool close_file(void* payload) {
   auto* file = static_cast<_voxFileRecord_t*>(payload);
-  if (close(file->descriptor) != 0) return false;
-  if (file->deleteOnClose == 1 && remove(file->wholePath) != 0) return false;
+  if (file == nullptr || close(file->descriptor) != 0) return false;
+  if (file->deleteOnClose == 1 && !remove_file(file)) return false;
   discard_file_record(file);
   return true;
 }
@@ -170,10 +180,6 @@ int voxSetEndOfFile(void* handle) {
 }
 
 int64_t voxGetFileSize(void* handle, uint32_t* high) {
-  if (handle == no_handle()) {
-    store_error(kErrInvalid);
-    return -1;
-  }
   const _voxFileRecord_t* file = checked_file(handle);
   struct stat status {};
   if (file == nullptr || fstat(file->descriptor, &status) != 0) return -1;

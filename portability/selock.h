@@ -67,7 +67,8 @@ ORB_EXPORT int vxSO_SELockRelease(_vxSELock_t* lock);
 
 // Exclusive entry that never waits: when the lock is busy, `callback` is registered to be told,
 // with `context` and `parameter`, that it has become free, and the result is 0; whoever is told has
-// to enter anew. Ends the process when there is no memory for the registration.
+// to enter anew. A null callback is done with what it is told. Ends the process when there is no
+// memory for the registration.
 ORB_EXPORT int vxSO_SELockExclusiveNotify(_vxSELock_t* lock, vxSELockCallback callback,
                                           void* context, void* parameter);
 

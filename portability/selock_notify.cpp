@@ -21,7 +21,8 @@ struct Notification {
 
 // True when the callback says that the record is done with.
 bool tell(const Notification& notification, uint32_t message) {
-  return notification.callback(notification.context, message, notification.parameter, nullptr) == 0;
+  return notification.callback == nullptr ||
+         notification.callback(notification.context, message, notification.parameter, nullptr) == 0;
 }
 
 void add_notification(_vxSELock_t* lock, vxSELockCallback callback, void* context,

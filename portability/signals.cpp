@@ -72,7 +72,7 @@ void SignalHandler::operator()() {
           LogInSystemLog(kError, "Received signal to stop ORB.");
           return;
         }
-        registered->second();
+        if (registered->second != nullptr) registered->second();
         break;
       }
       case Membership::stranger:

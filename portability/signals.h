@@ -48,7 +48,8 @@ class ORB_EXPORT SignalHandler {
   // Unblocks `signal` in the calling thread; the dispatcher's mask keeps it. Returns 0 always.
   int unblockSignal(int signal);
 
-  // Has the dispatcher call `callback` for `signal`. Returns 0 always.
+  // Has the dispatcher call `callback` for `signal`, or pass the signal over when that is null.
+  // Returns 0 always.
   // Quirk: the first registration for a signal wins; a later one changes nothing.
   int registerOnSignalCallback(int signal, void (*callback)());
 

@@ -98,6 +98,7 @@ void discard_thread_handle(_voxHandleObject_t* handle) {
 }  // namespace
 
 void detach_thread(_voxHandleObject_t* handle) {
+  if (handle->threadLink == nullptr) return;  // never begun
   StartRecord* record = record_of(handle->threadLink);
   const bool held = pthread_mutex_lock(&record->meeting) == 0;
   record->signalled = &bDummyThreadSignalled;
@@ -111,6 +112,10 @@ using namespace quillon_com::orb::portability;
 _voxHandleObject_t* voxBeginThread(void*, uint64_t, voxThreadRoutine startRoutine, void* argument,
                                    uint32_t, uint32_t* threadIdOut) {
   auto* failed = static_cast<_voxHandleObject_t*>(no_handle());
+  if (startRoutine == nullptr) {
+    store_error(kErrInvalid);
+    return failed;
+  }
   _voxHandleObject_t* handle = make_thread_handle();
   if (handle == nullptr) return failed;
   StartRecord* record = make_start_record(handle, startRoutine, argument);

@@ -17,11 +17,11 @@ typedef void* (*voxThreadRoutine)(void* argument);
 // `security`, `stackSize` and `creationFlags` are ignored. When `threadIdOut` is not null it
 // receives 0 once the thread is started and is left alone otherwise. Returns the thread's handle,
 // which becomes signalled when the thread ends and which the caller closes, before or after that
-// end. Returns all ones (-1) on failure: with 12 in nErrno when there is no memory, without an
-// error word when a pthread call fails. Quirk: `threadIdOut` never receives an identifier: what is
-// stored is the result code of the system's thread creation, 0. Quirk: when any thread started here
-// ends, every thread-local slot that its process allocated is released, the slots of other threads
-// included.
+// end. Returns all ones (-1) on failure: with 12 in nErrno when there is no memory, 22 for a null
+// `startRoutine`, without an error word when a pthread call fails. Quirk: `threadIdOut` never
+// receives an identifier: what is stored is the result code of the system's thread creation, 0.
+// Quirk: when any thread started here ends, every thread-local slot that its process allocated is
+// released, the slots of other threads included.
 ORB_EXPORT _voxHandleObject_t* voxBeginThread(void* security, uint64_t stackSize,
                                               voxThreadRoutine startRoutine, void* argument,
                                               uint32_t creationFlags, uint32_t* threadIdOut);

@@ -66,6 +66,16 @@ TEST_F(DynLib, FirstLoadFillsTheRecord) {
   EXPECT_EQ(0, nErrno);
 }
 
+TEST_F(DynLib, FunctionsAreResolvedWhenTheyAreCalled) {
+  EXPECT_EQ(nullptr, dlopen(ORB_LAZY_PLUGIN, RTLD_NOW)) << "the test's library is complete";
+  void* library = voxLoadLibrary(ORB_LAZY_PLUGIN, nullptr);
+  ASSERT_NE(nullptr, library);
+  EXPECT_NE(nullptr, voxGetProcAddress(library, "call_what_is_missing", nullptr));
+  EXPECT_EQ(1, voxFreeLibrary(library));
+  ASSERT_EQ(1, load_shared_object_image(&library, ORB_LAZY_PLUGIN, nullptr));
+  EXPECT_EQ(1, unload_shared_object_image(library));
+}
+
 TEST_F(DynLib, EntryPointIsCalledByTheFirstLoadAndTheLastRelease) {
   struct Call {
     void* library;

@@ -257,7 +257,8 @@ TEST_F(FileHandle, HandlesWithoutFileRecordStore22) {
   char byte = 0;
   uint32_t count = 7;
   _voxHandleObject_t* event = voxCreateEvent(nullptr, 1, 0, nullptr);
-  for (_voxHandleObject_t* handle : {static_cast<_voxHandleObject_t*>(nullptr), event}) {
+  auto* all_ones = reinterpret_cast<_voxHandleObject_t*>(intptr_t{-1});
+  for (_voxHandleObject_t* handle : {static_cast<_voxHandleObject_t*>(nullptr), all_ones, event}) {
     nErrno = 0;
     EXPECT_EQ(0, voxReadFile(handle, &byte, 1, &count, nullptr));
     EXPECT_EQ(22, nErrno);
@@ -266,6 +267,9 @@ TEST_F(FileHandle, HandlesWithoutFileRecordStore22) {
     EXPECT_EQ(22, nErrno);
     nErrno = 0;
     EXPECT_EQ(-1, voxGetFileSize(handle, &count));
+    EXPECT_EQ(22, nErrno);
+    nErrno = 0;
+    EXPECT_EQ(0, voxSetEndOfFile(handle));
     EXPECT_EQ(22, nErrno);
   }
   EXPECT_EQ(7u, count);

@@ -36,6 +36,15 @@ TEST_F(FileNames, TemporaryFileIsMadeAndStays) {
   }
 }
 
+TEST_F(FileNames, TemporaryFilesPathHasNoLimit) {
+  const std::string part(200, 'd');
+  const std::string deep = folder_.make_dir(part + "/" + part + "/" + part);
+  char out[1024] = "";
+  EXPECT_EQ(1u, voxGetTempFileName(deep.c_str(), std::string(249, 'p').c_str(), 0, out));
+  EXPECT_EQ(deep.size() + 1 + 249 + 6, strlen(out));
+  EXPECT_TRUE(std::filesystem::exists(out));
+}
+
 TEST_F(FileNames, TemporaryFileFailuresLeaveTheTextAlone) {
   char out[64] = "kept";
   EXPECT_EQ(0u, voxGetTempFileName(nullptr, "ab", 1, out));

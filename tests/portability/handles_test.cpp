@@ -217,6 +217,16 @@ TEST(CloseHandle, OfAnUnknownKindGivesZeroAndKeepsTheRecord) {
   EXPECT_EQ(voxCloseHandle(handle), 1);
 }
 
+TEST(CloseHandle, OfAThreadThatNeverBeganFreesIt) {
+  for (const bool ended : {false, true}) {
+    ScopedErrorWord word;
+    _voxHandleObject_t* handle = make_event(ended).release();
+    handle->kind = HANDLE_TYPE_THREAD;
+    EXPECT_EQ(voxCloseHandle(handle), 1) << ended;
+    EXPECT_EQ(word.stored(), kUntouched) << ended;
+  }
+}
+
 TEST(CloseHandle, OfAnOwnedMutexIsNoFailure) {
   Handle mutex = make_mutex(true);
   EXPECT_EQ(voxCloseHandle(mutex.release()), 1);

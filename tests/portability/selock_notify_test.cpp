@@ -203,6 +203,39 @@ TEST_F(SELockNotify, WithdrawalPassesARecordThatIsNotDone) {
   EXPECT_EQ(newer, records()) << "still registered";
 }
 
+int32_t note_the_spin_word(void* lock, uint32_t message, void*, void*) {
+  told.push_back(std::to_string(message) + " " +
+                 std::to_string(static_cast<_vxSELock_t*>(lock)->spin));
+  return message == 0x1102 ? 1 : 0;
+}
+
+TEST_F(SELockNotify, CallbacksRunUnderTheSpinWord) {
+  owned_by_other();
+  ASSERT_EQ(0, vxSO_SELockExclusiveNotify(lock_, note_the_spin_word, lock_, nullptr));
+  EXPECT_EQ(0, vxSO_SELockExclusiveUnnotify(lock_, note_the_spin_word, lock_, nullptr));
+  EXPECT_EQ(1, vxSO_SELockRelease(lock_));
+  EXPECT_EQ((Told{"4354 1", "4352 1"}), told);
+  EXPECT_EQ(0, lock_->spin);
+  EXPECT_EQ(nullptr, records());
+}
+
+TEST_F(SELockNotify, NullCallbackIsDoneWithWhatItIsTold) {
+  char name[] = "nobody", older[] = "older";
+  owned_by_other();
+  add(older, &done_);
+  ASSERT_EQ(0, vxSO_SELockExclusiveNotify(lock_, nullptr, name, &more_));
+  vxSO_SELockRelease(lock_);
+  EXPECT_TRUE(told.empty()) << "one is done with the message";
+  ASSERT_NE(nullptr, records());
+  EXPECT_EQ(older, records()->context);
+  owned_by_other();
+  ASSERT_EQ(0, vxSO_SELockExclusiveNotify(lock_, nullptr, name, &more_));
+  Record* withdrawn = records();
+  EXPECT_EQ(1, vxSO_SELockExclusiveUnnotify(lock_, nullptr, name, &more_));
+  EXPECT_EQ(older, records()->context);
+  free(withdrawn);
+}
+
 TEST_F(SELockNotify, RegistrationWithoutMemoryAborts) {
   owned_by_other();
   GTEST_FLAG_SET(death_test_style, "threadsafe");

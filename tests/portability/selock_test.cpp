@@ -362,6 +362,16 @@ TEST_F(SELock, ThirdReaderQueuesBehindAWriterUnlessItStarvesIt) {
   expect_free();
 }
 
+TEST_F(SELock, ThreadWithoutEventIsTakenForTheOwnerWhereThereIsNone) {
+  lock_->count = 2;
+  int result = 0;
+  std::thread([&] { result = vxSO_SELockExclusive(lock_, 0); }).join();
+  EXPECT_EQ(1, result);
+  EXPECT_EQ(3u, lock_->count);
+  EXPECT_EQ(-1, lock_->owner);
+  EXPECT_EQ(2, lock_->lastTransition);
+}
+
 TEST_F(SELock, ThreadWithoutEventDoesNotWait) {
   const orbtest::OtherEvent other;
   held_exclusively_by(other.number());

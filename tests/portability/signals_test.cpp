@@ -122,6 +122,24 @@ TEST(Signals, QuirkFirstRegistrationWins) {
   EXPECT_EQ(0, child.end());
 }
 
+TEST(Signals, NullCallbackPassesTheSignalOver) {
+  const Child child([] {
+    SignalHandler handler;
+    handler.addSignalToBlock(1);
+    handler.addSignalToBlock(15);
+    handler.registerOnSignalCallback(1, nullptr);
+    handler.registerOnSignalCallback(1, tell_first);  // comes too late
+    raise(1);
+    tell('r');
+    handler();
+    tell('e');
+  });
+  ASSERT_EQ('r', child.heard());
+  child.send(15);
+  EXPECT_EQ('e', child.heard());
+  EXPECT_EQ(0, child.end());
+}
+
 TEST(Signals, MaskAccumulatesAndIsTheWholeMask) {
   EXPECT_TRUE(right_in_child([] {
     sigset_t other;

@@ -5,6 +5,7 @@
 #include <pthread.h>
 
 #include <atomic>
+#include <chrono>
 #include <thread>
 #include <vector>
 
@@ -145,6 +146,15 @@ TEST(BeginThread, GivesAllOnesWithoutAnErrorWordWhenASystemCallFails) {
   }
 }
 
+TEST(BeginThread, WithoutARoutineIsABadArgument) {
+  ScopedErrorWord word;
+  uint32_t id = 77;
+  EXPECT_EQ(voxBeginThread(nullptr, 0, nullptr, &id, 0, &id), kNoThread);
+  EXPECT_EQ(word.stored(), 22);
+  EXPECT_EQ(id, 77u);
+  EXPECT_EQ(voxCreateThread(nullptr, 0, nullptr, &id, 0, &id), nullptr);
+}
+
 TEST(CreateThread, GivesNullWhenNoThreadBegins) {
   CallFaults faults("pthread_create", EAGAIN);
   EXPECT_EQ(voxCreateThread(nullptr, 0, return_at_once, nullptr, 0, nullptr), nullptr);
@@ -190,6 +200,19 @@ void* pass(void* argument) {
   voxWaitForSingleObject(gate->open.get(), INFINITE);
   gate->passed = true;
   return nullptr;
+}
+
+TEST(ThreadEnd, IsStoredBeforeTheGuardIsTaken) {
+  Gate gate;
+  Handle thread(begin(pass, &gate));
+  ASSERT_EQ(pthread_mutex_lock(&thread->guard), 0);
+  EXPECT_EQ(voxSetEvent(gate.open.get()), 1);
+  const auto stored = [&] { return __atomic_load_n(&thread->signalled, __ATOMIC_ACQUIRE) == 1; };
+  const auto limit = std::chrono::steady_clock::now() + std::chrono::seconds(20);
+  while (!stored() && std::chrono::steady_clock::now() < limit) std::this_thread::yield();
+  EXPECT_TRUE(stored());
+  ASSERT_EQ(pthread_mutex_unlock(&thread->guard), 0);
+  EXPECT_EQ(voxWaitForSingleObject(thread.get(), INFINITE), kSignalled);
 }
 
 TEST(ThreadEnd, AfterItsHandleWasClosedTouchesTheDummyWordOnly) {

@@ -84,6 +84,9 @@ extern "C" {
 ORB_TRACED_THREAD(pthread_attr_init, ENOMEM, (pthread_attr_t * made), (made))
 ORB_TRACED_THREAD(pthread_attr_setdetachstate, EINVAL, (pthread_attr_t * made, int state),
                   (made, state))
+ORB_TRACED_THREAD_BEHIND(pthread_attr_destroy, EINVAL, (pthread_attr_t * made), (made))
+ORB_TRACED_THREAD_BEHIND(pthread_cond_destroy, EBUSY, (pthread_cond_t * made), (made))
+ORB_TRACED_THREAD_BEHIND(pthread_mutex_destroy, EBUSY, (pthread_mutex_t * made), (made))
 ORB_TRACED_THREAD(pthread_cond_init, ENOMEM,
                   (pthread_cond_t * made, const pthread_condattr_t* with), (made, with))
 ORB_TRACED_THREAD(pthread_cond_broadcast, EINVAL, (pthread_cond_t * condition), (condition))

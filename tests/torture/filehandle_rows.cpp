@@ -138,7 +138,9 @@ const orbtest::Tortures rows({
      close_file<0>,
      {{"pthread_mutex_lock", "0"},
       {"pthread_mutex_unlock", "0", kUntouched, 2},
-      {"close", "0", kUntouched, 2}}},
+      {"close", "0", kUntouched, 2},
+      {"pthread_cond_destroy", "1"},
+      {"pthread_mutex_destroy", "1"}}},
     {"voxCloseHandle",
      "file to be removed",
      "1",
@@ -146,7 +148,9 @@ const orbtest::Tortures rows({
      {{"pthread_mutex_lock", "0"},
       {"pthread_mutex_unlock", "0", kUntouched, 3},
       {"close", "0", kUntouched, 3},
-      {"remove", "0", kUntouched, 3}}},
+      {"remove", "0", kUntouched, 3},
+      {"pthread_cond_destroy", "1"},
+      {"pthread_mutex_destroy", "1"}}},
 });
 
 }  // namespace

@@ -178,6 +178,7 @@ const orbtest::Tortures rows({
       {"pthread_cond_timedwait", "0"},
       {"pthread_mutex_unlock", "3"},
       {"pthread_mutex_unlock#1 onwards", "0"}}},  // the second turn cannot lock
+    // Quirk: the condition and the mutexes are freed without being destroyed.
     {"voxCloseHandle",
      "event",
      "1",

@@ -70,7 +70,7 @@ std::vector<Fault> beginning(const char* failed) {
   return {{"malloc", failed, 12},        {"malloc", failed, 12},
           {"pthread_cond_init", failed}, {"pthread_mutex_init", failed},
           {"pthread_attr_init", failed}, {"pthread_attr_setdetachstate", failed},
-          {"pthread_create", failed}};
+          {"pthread_create", failed},    {"pthread_attr_destroy", "made"}};
 }
 
 // A slot that is given back behind the scope.
@@ -138,7 +138,8 @@ const orbtest::Tortures rows({
      {{"pthread_mutex_lock#1", "0"},
       {"pthread_mutex_unlock#1", "0", kUntouched, 3},
       {"pthread_mutex_lock#2", "1"},
-      {"pthread_mutex_unlock#2", "1"}}},
+      {"pthread_mutex_unlock#2", "1"},
+      {"pthread_mutex_destroy", "1"}}},  // of the start record; the handle's objects stay
     {"voxTlsAlloc", "", "a slot", allocate_slot<voxTlsAlloc>, allocating()},
     {"voxTlsFree", "", "1",
      [](Trial& trial) {
