@@ -4,7 +4,7 @@ include(cmake/exports.cmake)
 
 add_library(orbcommon_objects OBJECT ${ORB_SOURCES})
 target_include_directories(orbcommon_objects PUBLIC ${PROJECT_SOURCE_DIR})
-target_link_libraries(orbcommon_objects PRIVATE orb_warnings)
+target_link_libraries(orbcommon_objects PRIVATE orb_warnings orb_coverage)
 set_target_properties(orbcommon_objects PROPERTIES
   POSITION_INDEPENDENT_CODE ON
   C_VISIBILITY_PRESET hidden

@@ -105,6 +105,7 @@ set(ORB_DARWIN_SOURCES
   platform/darwin_assertion.cpp
   platform/darwin_freespace.cpp
   platform/darwin_interfaces.cpp
+  platform/darwin_kernelcopy.cpp
   platform/darwin_lists.cpp
   platform/darwin_system.cpp
   platform/darwin_values.cpp
@@ -114,6 +115,7 @@ set(ORB_LINUX_SOURCES
   platform/linux_assertion.cpp
   platform/linux_freespace.cpp
   platform/linux_interfaces.cpp
+  platform/linux_kernelcopy.cpp
   platform/linux_processor.cpp
   platform/linux_sessions.cpp
   platform/linux_system.cpp

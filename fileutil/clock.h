@@ -2,14 +2,13 @@
 // host.
 #pragma once
 
-#include <pthread.h>
-
 #include <cstddef>
 #include <cstdint>
 #include <ctime>
 #include <string>
 
 #include "fileutil/timestamp.h"
+#include "portability/forks.h"
 
 namespace quillon_com::orb::platform {
 class System;
@@ -19,7 +18,7 @@ namespace quillon_com::orb {
 
 // The time-zone lock: serialises what reads the C library's zone for a text and what makes the
 // library look for its zone.
-extern pthread_mutex_t mutex;
+extern portability::ProcessMutex mutex;
 
 // The functions of fileutil/timestamp.h with the same rules, on `system`, which is read and never
 // kept. Pointers may be null where they may be there.

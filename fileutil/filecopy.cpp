@@ -10,8 +10,10 @@
 
 #include "fileutil/filetree.h"
 #include "fileutil/pathbuffer.h"
+#include "platform/kernelcopy.h"
 
 using quillon_com::orb::fileutil::PathBuffer;
+using quillon_com::orb::platform::copy_in_kernel;
 
 namespace {
 
@@ -42,6 +44,7 @@ class File {
   File& operator=(const File&) = delete;
 
   bool is_open() const { return number_ >= 0; }
+  int number() const { return number_; }
   // Closes it at once; false when the system then tells that something was not written.
   bool finish() {
     const int number = number_;
@@ -83,8 +86,11 @@ bool copy_bytes(const File& source, const File& destination) {
   const std::unique_ptr<char, Free> large(static_cast<char*>(malloc(kBlock)));
   char* const block = large != nullptr ? large.get() : small;
   const size_t size = large != nullptr ? kBlock : sizeof small;
-  for (ssize_t got = 0; (got = source.read_some(block, size)) > 0;)
+  for (ssize_t got = 0; (got = source.read_some(block, size)) > 0;) {
     if (!destination.write_all(block, static_cast<size_t>(got))) return false;
+    // More is to come; where the kernel stops, the block after it tells why.
+    if (got == static_cast<ssize_t>(size)) copy_in_kernel(source.number(), destination.number());
+  }
   return true;
 }
 

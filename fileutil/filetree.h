@@ -47,7 +47,8 @@ ORB_EXPORT uint32_t voxcomn_MakeRecursiveDirectoryW(const wchar_t* path);
 // Copies the bytes of `source` to the file `destination`, which is made (mode 0666 less the umask)
 // or emptied first; links are followed on both sides. Returns whether all was written. False for a
 // null argument with nothing done, when `overwrite` is 0 and the destination can be opened for
-// reading, when either file cannot be opened, and when a write fails: what was written stays.
+// reading, when either file cannot be opened (the source first: the destination stays as it was),
+// and when a write or the destination's close fails: what was written stays.
 // Quirk: the destination's parent directories are made first, by the rules above, and stay when the
 // copy fails.
 // Quirk: a read error counts as the end of the source: a directory gives an empty file and true.

@@ -18,8 +18,8 @@ typedef struct voxGuid {
 //
 // The time is the wall clock's, in units of 100 ns since 1582-10-15. The clock sequence is random
 // in the process's first GUID, stays, and goes up by one with every GUID that is made while the
-// clock stands more than a second before that first one. Random numbers come from rand(), which the library never seeds: the GUIDs
-// of two processes that do not seed it differ by their time alone.
+// clock stands more than a second before that first one. Random numbers come from rand(), which the
+// library never seeds: the GUIDs of two processes that do not seed it differ by their time alone.
 // Quirk: the node is random, with its highest bit set, in the first GUID of a process and all zero
 // in every later one; the machine's interfaces have no part in it.
 // Quirk: two GUIDs made within one microsecond are equal.

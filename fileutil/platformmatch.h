@@ -39,8 +39,9 @@ ORB_EXPORT void voxcomn_get_agent_softwareid_W(wchar_t* out, unsigned size);
 // Writes the users who have a session on the machine, as CollectAllLoggedonUsers of
 // session/loggedonusers.h lists them, to `out` of `size` bytes and returns 0; "NA" when there are
 // none. Returns 0x80000008, with nothing written, when `out` is null, when the text with its
-// terminator does not fit, or when memory runs out. Calls from several threads, and with the
-// functions of that header, are the caller's to serialise.
+// terminator does not fit, or when memory runs out. Like that function it writes diagnostic lines
+// to standard output. Calls from several threads, and with the functions of that header, are the
+// caller's to serialise.
 ORB_EXPORT uint32_t voxcomn_get_user_name(char* out, unsigned size);
 
 // The version of the plug-in library at `path`: what its export "HBPLUGIN_GetVersion" stores

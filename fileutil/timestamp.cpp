@@ -8,12 +8,11 @@
 
 #include "fileutil/clock.h"
 #include "fileutil/conversions.h"
-#include "fileutil/hold.h"
 #include "platform/system.h"
 
 namespace quillon_com::orb {
 
-pthread_mutex_t mutex = PTHREAD_MUTEX_INITIALIZER;
+portability::ProcessMutex mutex;
 
 namespace {
 
@@ -28,7 +27,10 @@ class StampText {
     const char* first = digits;
     const char* const last = std::to_chars(digits, digits + sizeof digits, value).ptr;
     const ptrdiff_t missing = std::max<ptrdiff_t>(width - (last - first), 0);
-    if (*first == '-' && filler == '0') character(*first++);
+    if (value < 0 && filler == '0') {
+      character('-');
+      ++first;
+    }
     char* const filled = std::fill_n(text_ + length_, missing, filler);
     length_ = static_cast<size_t>(std::copy(first, last, filled) - text_);
   }
@@ -95,7 +97,7 @@ voxSystemTime* fill_system_time(const platform::System& system, voxSystemTime* r
 
 std::string dashed_stamp(const platform::System& system) {
   tm time{};
-  const Hold held(mutex);
+  const portability::Hold held(mutex);
   if (!system.local_time(system.wall_clock(), &time)) return "";
   const StampText text = dashed_text(time);
   return std::string(text.text(), std::min(text.length(), kBufferedLength));

@@ -10,7 +10,6 @@
 
 #include "fileutil/clock.h"
 #include "fileutil/conversions.h"
-#include "fileutil/hold.h"
 #include "platform/system.h"
 
 namespace quillon_com::orb {
@@ -94,7 +93,7 @@ std::optional<int64_t> normalise(tm* time) {
 
 time_t qlncomn_timegm(tm* time) {
   if (time == nullptr) return -1;
-  const Hold held(mutex);
+  const portability::Hold held(mutex);
   const auto seconds = normalise(time);
   const char* const zone = getenv("TZ");
   const size_t length = zone != nullptr ? strlen(zone) : 0;
@@ -106,7 +105,7 @@ time_t qlncomn_timegm(tm* time) {
 
 bool zone_abbreviation(const platform::System& system, std::wstring* zone) {
   std::string name;
-  const Hold held(mutex);
+  const portability::Hold held(mutex);
   if (!system.zone_name(&name)) return false;
   name.resize(std::min(name.size(), kMostAbbreviationLength));
   *zone = voxcomn_ansi_to_wide(name);

@@ -2,9 +2,9 @@
 #include <cstdio>
 #include <cstdlib>
 #include <ctime>
-#include <mutex>
 #include <string>
 
+#include "portability/forks.h"
 #include "session/collect.h"
 #include "session/loggedonusers.h"
 #include "sysprops/collect.h"
@@ -29,12 +29,12 @@ std::string stamp_text(const tm& time) {
 // The zone's name before the time: a breakdown may be what makes the C library look at its zone at
 // all. Always both, so that who asks for one again reads what a full collection would have left.
 void collect_time(const platform::System& system, MiscInformation& record) {
-  static std::mutex zone_mutex;  // guards the C library's names, which a breakdown writes anew
+  static portability::ProcessMutex zone_mutex;  // guards the C library's names, which a breakdown writes anew
   std::string zone;
   tm local{};
   bool local_known = false;
   {
-    const std::lock_guard<std::mutex> held(zone_mutex);
+    const portability::Hold held(zone_mutex);
     system.zone_name(&zone);
     local_known = system.local_time(system.wall_clock(), &local);
   }

@@ -6,6 +6,7 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <deque>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
@@ -295,6 +296,33 @@ TEST_F(FileCopy, ASignalInBetweenIsNoError) {
   EXPECT_TRUE(copy("source", "file"));
   EXPECT_EQ("abcdef", bytes_of(path("file")));
   EXPECT_TRUE(script.reads.empty() && script.writes.empty());
+}
+
+struct KernelCase {
+  const char* name;
+  std::deque<orbtest::IoAnswer> answers;
+  bool writes_fail;
+};
+
+TEST_F(FileCopy, WhereTheKernelStopsTheCopyGoesOn) {
+  const KernelCase cases[] = {
+      {"it cannot copy at all", {{EINVAL, 0}, {EINVAL, 0}, {EINVAL, 0}, {EINVAL, 0}}, false},
+      {"a signal stops it", {{EINTR, 0}, {0, 1000}, {EINTR, 0}}, false},
+      {"it copies a part and fails", {{0, 70000}, {EIO, 0}}, false},
+      {"it copies nothing", {{0, 0}, {0, 0}, {0, 0}, {0, 0}}, false},
+      {"the disk is full", {{0, 70000}, {ENOSPC, 0}}, true},
+  };
+  const std::string text = text_of(300001);
+  folder_.write("source", text);
+  for (const KernelCase& each : cases) {
+    IoScript script;
+    script.kernel_copies = each.answers;
+    if (each.writes_fail) script.writes = {{0, 65536}, {ENOSPC, 0}};
+    EXPECT_EQ(!each.writes_fail, copy("source", "file", 1)) << each.name;
+    EXPECT_TRUE(script.kernel_copies.empty()) << each.name;
+    const size_t written = each.writes_fail ? 65536 + 70000 : text.size();
+    EXPECT_TRUE(text.substr(0, written) == bytes_of(path("file"))) << each.name;
+  }
 }
 
 TEST_F(FileCopy, AFailingCloseOfTheDestinationFails) {

@@ -33,6 +33,7 @@ extern "C" {
 
 ssize_t __real_read(int descriptor, void* buffer, size_t size);
 ssize_t __real_write(int descriptor, const void* bytes, size_t size);
+ssize_t __real_sendfile64(int to, int from, off64_t* offset, size_t size);
 int __real_close(int descriptor);
 
 ssize_t __wrap_read(int descriptor, void* buffer, size_t size) {
@@ -43,6 +44,12 @@ ssize_t __wrap_read(int descriptor, void* buffer, size_t size) {
 ssize_t __wrap_write(int descriptor, const void* bytes, size_t size) {
   if (script != nullptr && !passes(script->writes, &size)) return -1;
   return __real_write(descriptor, bytes, size);
+}
+
+// The library is built for long file offsets, where this is what sendfile stands for.
+ssize_t __wrap_sendfile64(int to, int from, off64_t* offset, size_t size) {
+  if (script != nullptr && !passes(script->kernel_copies, &size)) return -1;
+  return __real_sendfile64(to, from, offset, size);
 }
 
 int __wrap_close(int descriptor) {

@@ -1,4 +1,4 @@
-// tests/fileutil/io_script.h: lets reads, writes and closes of this project answer by script.
+// tests/fileutil/io_script.h: lets file calls of this project answer by script.
 #pragma once
 
 #include <cstddef>
@@ -23,6 +23,7 @@ class IoScript {
   IoScript& operator=(const IoScript&) = delete;
 
   std::deque<IoAnswer> reads, writes, closes;
+  std::deque<IoAnswer> kernel_copies;  // sendfile's
 };
 
 }  // namespace orbtest

@@ -218,18 +218,18 @@ TEST_F(Resolver, APathBeyondTheSystemsLimitFails) {
 TEST(ResolverAtTheRoot, QuirkARelativeTextIsReadAgainstTheWorkingFolder) {
   const auto written = orbtest::in_mount_namespace([] {
     if (!orbtest::enter_private_root()) return false;
-    fs::create_directory("/work");
+    fs::create_directory("/orbtest_work");
     orbtest::write_file("/file", "");
-    orbtest::write_file("/work/file", "");
+    orbtest::write_file("/orbtest_work/file", "");
     fs::create_symlink("file", "/relative");
     fs::create_symlink("/file", "/absolute");
-    const ScopedWorkingFolder inside("/work");
+    const ScopedWorkingFolder inside("/orbtest_work");
     std::printf("%s\n", resolved("/relative").value_or("none").c_str());
     std::printf("%s\n", resolved("/absolute").value_or("none").c_str());
     return true;
   });
   if (!written) GTEST_SKIP() << "needs root and a mount name space";
-  EXPECT_EQ("/work//file\n/file\n", *written);
+  EXPECT_EQ("/orbtest_work//file\n/file\n", *written);
 }
 
 TEST_F(Resolver, WithoutMemoryThereIsNoResult) {

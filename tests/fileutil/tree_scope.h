@@ -1,7 +1,9 @@
 // tests/fileutil/tree_scope.h: what the tests of tree removal share.
 #pragma once
 
+#include <fcntl.h>
 #include <gtest/gtest.h>
+#include <unistd.h>
 
 #include <filesystem>
 #include <set>
@@ -19,6 +21,12 @@ class Trees : public Searching {
   void remove(const std::string& name) const { voxcomn_deltree(path(name).c_str()); }
   void link(const std::string& target, const std::string& name) const {
     std::filesystem::create_symlink(target, path(name));
+  }
+
+  // Makes the empty file `name` in a folder that is there.
+  void touch(const std::string& name) const {
+    const int number = open(path(name).c_str(), O_CREAT | O_WRONLY | O_CLOEXEC, 0600);
+    EXPECT_EQ(0, close(number)) << name;
   }
 
   // What is below the folder, as paths that begin there; links are not followed.

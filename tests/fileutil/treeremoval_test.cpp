@@ -85,14 +85,18 @@ TEST_F(TreeRemoval, ARelativePathIsReadAgainstTheWorkingFolder) {
   EXPECT_EQ(Names{}, left());
 }
 
+// An empty path that was taken for one would be "/": the folder is the root meanwhile.
 TEST_F(TreeRemoval, NullAndEmptyPathsDoNothing) {
+  if (geteuid() != 0) GTEST_SKIP() << "needs root, to change the root folder";
   make_sample("tree");
   const Names before = left();
-  const orbtest::ScopedWorkingFolder inside(path("tree"));
-  voxcomn_deltree(nullptr);
-  voxcomn_delsubtree(nullptr);
-  voxcomn_deltree("");
-  voxcomn_delsubtree("");
+  EXPECT_EQ("", orbtest::outcome_in_child([&] {
+              if (chroot(folder_.path().c_str()) != 0 || chdir("/tree") != 0) _exit(2);
+              voxcomn_deltree(nullptr);
+              voxcomn_delsubtree(nullptr);
+              voxcomn_deltree("");
+              voxcomn_delsubtree("");
+            }));
   EXPECT_EQ(before, left());
 }
 
@@ -139,7 +143,7 @@ TEST_F(TreeRemoval, NamesHoldAnyByte) {
 
 TEST_F(TreeRemoval, ManyEntriesGo) {
   folder_.make_dir("tree/in");
-  for (int each = 0; each < 5000; ++each) folder_.write("tree/in/" + std::to_string(each), "");
+  for (int each = 0; each < 5000; ++each) touch("tree/in/" + std::to_string(each));
   remove("tree");
   EXPECT_EQ(Names{}, left());
 }
@@ -201,8 +205,8 @@ TEST_F(TreeRemoval, QuirkATreeOf300LevelsLosesItsUpper50) {
   EXPECT_EQ(0u, rest.count("tree/d/f"));
   EXPECT_EQ(0u, rest.count("tree/beside"));
   EXPECT_EQ(35, word_.stored());
-  for (int round = 0; round < 10; ++round) remove("tree");
-  EXPECT_EQ(300u + 250, left().size()) << "again and again";
+  remove("tree");
+  EXPECT_EQ(300u + 250, left().size()) << "once more";
 }
 
 // Paths: 259 bytes.
@@ -326,8 +330,9 @@ TEST_F(TreeRemoval, WithoutMemoryALevelStays) {
 }
 
 TEST_F(TreeRemoval, MemoryDoesNotGrowWithTheTree) {
+  for (int each = 0; each < 20; ++each) folder_.make_dir("tree/" + std::to_string(each));
   for (int each = 0; each < 20000; ++each)
-    folder_.write("tree/" + std::to_string(each % 20) + "/" + std::to_string(each), "");
+    touch("tree/" + std::to_string(each % 20) + "/" + std::to_string(each));
   EXPECT_EQ("", orbtest::outcome_in_child([&] {
               const std::string top = path("tree");
               const long before = orbtest::peak_of_stopped(getpid());

@@ -12,6 +12,7 @@
 #include <vector>
 
 #include "fileutil/dirent.h"
+#include "fileutil/timestamp.h"
 #include "portability/dynlib.h"
 #include "portability/handles.h"
 #include "portability/selock.h"
@@ -67,6 +68,8 @@ void use_searches() {
   EXPECT_EQ(1, voxFindCloseDirEnt(search));
 }
 
+void use_stamps() { EXPECT_EQ(19u, quillon_com::orb::voxcomn_get_time_stamp_ansi().size()); }
+
 void use_log() { EXPECT_TRUE(LogInSystemLog(7, "a forked child")); }
 
 void use_locks() {
@@ -89,6 +92,7 @@ void use_everything() {
   use_slots();
   use_libraries();
   use_searches();
+  use_stamps();
   use_log();
   use_locks();
   use_threads();
@@ -176,6 +180,10 @@ const HeldCase kHeld[] = {
          FindDataDirEnt found{};
          voxFindCloseDirEnt(voxFindFirstDirEnt("/*", &found));
        });
+     }},
+    {"Stamps",
+     [](std::function<void()> stop) {
+       stop_in(1, stop, [] { quillon_com::orb::voxcomn_get_time_stamp_ansi(); });
      }},
     {"SystemLog",
      [](std::function<void()> stop) { stop_in(1, stop, [] { LogInSystemLog(7, "a parent"); }); }},
