@@ -1,0 +1,48 @@
+// tests/support/fence.cpp: a mount name space in which everything is read-only.
+#include "tests/support/fence.h"
+
+#include <fcntl.h>
+#include <sched.h>
+#include <sys/mount.h>
+#include <unistd.h>
+
+#include <string>
+
+namespace orbtest {
+namespace {
+
+bool set_read_only(const char* path, bool read_only) {
+  mount_attr change{};
+  (read_only ? change.attr_set : change.attr_clr) = MOUNT_ATTR_RDONLY;
+  return mount_setattr(AT_FDCWD, path, AT_RECURSIVE, &change, sizeof change) == 0;
+}
+
+bool is_writable(const std::string& folder) {
+  const std::string path = folder + "/orbtest_fence";
+  const int file = open(path.c_str(), O_CREAT | O_WRONLY | O_CLOEXEC, 0600);
+  if (file < 0) return false;
+  close(file);
+  unlink(path.c_str());
+  return true;
+}
+
+bool put_up(const char* writable) {
+  if (unshare(CLONE_NEWNS) != 0) return false;
+  if (mount("none", "/", nullptr, MS_REC | MS_PRIVATE, nullptr) != 0) return false;
+  if (writable != nullptr && mount(writable, writable, nullptr, MS_BIND, nullptr) != 0)
+    return false;
+  if (!set_read_only("/", true)) return false;
+  if (writable != nullptr && !set_read_only(writable, false)) return false;
+  if (mount("none", "/tmp", "tmpfs", 0, nullptr) != 0) return false;
+  return unsetenv("TMPDIR") == 0 && is_writable("/tmp") && !is_writable("/etc") &&
+         !is_writable("/dev") && !is_writable("/");
+}
+
+}  // namespace
+
+bool fence_machine_off(const char* writable) {
+  static const bool fenced = put_up(writable);
+  return fenced;
+}
+
+}  // namespace orbtest
