@@ -101,7 +101,7 @@ struct PthreadParty {
   }
 };
 
-constexpr int kBatches = 10;
+constexpr int kBatches = 20;
 
 void our_contended(benchmark::State& state) {
   goal(state, "goal_ns", 1000);
