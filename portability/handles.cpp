@@ -2,7 +2,6 @@
 #include "portability/handles.h"
 
 #include <cstdlib>
-#include <cstring>
 
 #include "portability/handleparts.h"
 
@@ -14,9 +13,12 @@ _voxHandleObject_t* make_handle(uint32_t kind) {
     store_error(kErrNoMemory);
     return nullptr;
   }
-  memset(handle, 0, sizeof *handle);
+  // Field by field: cleared as a whole it would come from the allocator's slower call.
+  handle->payload = nullptr;
   handle->kind = kind;
   handle->references = 1;
+  handle->signalled = 0;
+  handle->threadLink = nullptr;
   if (pthread_cond_init(&handle->condition, nullptr) != 0) {
     free(handle);
     return nullptr;
@@ -27,13 +29,6 @@ _voxHandleObject_t* make_handle(uint32_t kind) {
     return nullptr;
   }
   return handle;
-}
-
-bool lock_owner(OwnerMutex* owner) {
-  if (pthread_mutex_trylock(&owner->mutex) != 0) return false;
-  owner->held = true;
-  owner->holder = pthread_self();
-  return true;
 }
 
 void destroy_handle(_voxHandleObject_t* handle) {
@@ -58,7 +53,7 @@ OwnerMutex* make_owner(bool owned) {
     store_error(kErrNoMemory);
     return nullptr;
   }
-  memset(owner, 0, sizeof *owner);
+  owner->holder = nullptr;
   if (pthread_mutex_init(&owner->mutex, nullptr) != 0) {
     free(owner);
     return nullptr;
@@ -71,20 +66,25 @@ OwnerMutex* make_owner(bool owned) {
   return owner;
 }
 
+// Puts a new owner mutex, which nobody holds, into the place of one that another thread holds.
+[[gnu::noinline]] bool replace_owner(_voxHandleObject_t* mutex) {
+  OwnerMutex* fresh = make_owner(false);
+  if (fresh == nullptr) return false;
+  free(mutex->payload);
+  mutex->payload = fresh;
+  return true;
+}
+
 // Frees the owner mutex of `mutex`, whose guard is held. Only its holder may unlock a mutex of the
 // system: one that another thread holds gives way to a new one, one that nobody holds stays.
 bool unlock_owner(_voxHandleObject_t* mutex) {
   auto* owner = static_cast<OwnerMutex*>(mutex->payload);
-  if (!owner->held) return true;
-  if (pthread_equal(owner->holder, pthread_self()) != 0) {
-    if (pthread_mutex_unlock(&owner->mutex) != 0) return false;
-    owner->held = false;
+  if (owner->holder == nullptr) [[unlikely]]
     return true;
-  }
-  OwnerMutex* fresh = make_owner(false);
-  if (fresh == nullptr) return false;
-  mutex->payload = fresh;
-  free(owner);
+  if (owner->holder != &thread_mark) [[unlikely]]
+    return replace_owner(mutex);
+  if (pthread_mutex_unlock(&owner->mutex) != 0) return false;
+  owner->holder = nullptr;
   return true;
 }
 
@@ -96,7 +96,7 @@ int destroy_by_kind(_voxHandleObject_t* handle) {
       destroy_handle(handle);
       return 1;
     case HANDLE_TYPE_THREAD:
-      detach_thread(handle);
+      if (!detach_thread(handle)) return 1;
       [[fallthrough]];
     case HANDLE_TYPE_EVENT:
     case HANDLE_TYPE_MUTEX:

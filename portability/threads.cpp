@@ -1,13 +1,12 @@
 // portability/threads.cpp: begin, body and clean-up of a thread.
 //
 // A thread ends while another closes its handle, or closes it in the moment in which its wait
-// returns. Both meet in the start record: it lives until the thread has ended and the handle is
-// closed, and its lock makes the closing one wait until the ending one has let go of the handle.
+// returns. Both exchange the start record's pointer to the signalled word for a mark of their own:
+// what they find there tells who came first and who frees what, and neither waits for the other.
 #include "portability/threads.h"
 
 #include <cstddef>
 #include <cstdlib>
-#include <cstring>
 
 #include "portability/handleparts.h"
 #include "portability/signals.h"
@@ -18,27 +17,26 @@ namespace {
 struct StartRecord {
   pthread_mutex_t* guard;     // the handle's
   pthread_cond_t* condition;  // the handle's
-  int32_t* signalled;         // the handle's, or bDummyThreadSignalled once that is closed
+  int32_t* signalled;         // the handle's while the thread runs; then one of the marks; atomic
   voxThreadRoutine routine;
   void* argument;
-  // Private: the meeting of the ending thread and the closing of its handle.
-  pthread_mutex_t meeting;
-  int parties;  // the thread and its handle; guarded by meeting; the last one frees the record
+  _voxHandleObject_t* handle;  // private
 };
+
+// Marks in the place of the signalled word: the thread is signalling its handle, or is done with
+// it. bDummyThreadSignalled is the third: the handle is closed.
+int32_t signalling;
+int32_t done;
+
+// Leaves `mark` in the record and returns what was there.
+int32_t* exchange_word(StartRecord* record, int32_t* mark) {
+  return __atomic_exchange_n(&record->signalled, mark, __ATOMIC_ACQ_REL);
+}
 
 // The record that a thread link points into.
 StartRecord* record_of(int32_t** link) {
   return reinterpret_cast<StartRecord*>(reinterpret_cast<char*>(link) -
                                         offsetof(StartRecord, signalled));
-}
-
-// Ends one party's interest; `meeting` is released if it is `held`.
-void leave_meeting(StartRecord* record, bool held) {
-  const bool last = --record->parties == 0;
-  if (held) pthread_mutex_unlock(&record->meeting);
-  if (!last) return;
-  pthread_mutex_destroy(&record->meeting);
-  free(record);
 }
 
 StartRecord* make_start_record(_voxHandleObject_t* handle, voxThreadRoutine routine,
@@ -48,24 +46,9 @@ StartRecord* make_start_record(_voxHandleObject_t* handle, voxThreadRoutine rout
     store_error(kErrNoMemory);
     return nullptr;
   }
-  memset(record, 0, sizeof *record);
-  if (pthread_mutex_init(&record->meeting, nullptr) != 0) {
-    free(record);
-    return nullptr;
-  }
-  record->guard = &handle->guard;
-  record->condition = &handle->condition;
-  record->signalled = &handle->signalled;
-  record->routine = routine;
-  record->argument = argument;
-  record->parties = 2;
+  *record = {&handle->guard, &handle->condition, &handle->signalled, routine, argument, handle};
   handle->threadLink = &record->signalled;
   return record;
-}
-
-void discard_start_record(StartRecord* record) {
-  pthread_mutex_destroy(&record->meeting);
-  free(record);
 }
 
 // Starts the body, detached. 0 or the failed call's code.
@@ -97,12 +80,12 @@ void discard_thread_handle(_voxHandleObject_t* handle) {
 
 }  // namespace
 
-void detach_thread(_voxHandleObject_t* handle) {
-  if (handle->threadLink == nullptr) return;  // never begun
+bool detach_thread(_voxHandleObject_t* handle) {
+  if (handle->threadLink == nullptr) return true;  // never begun
   StartRecord* record = record_of(handle->threadLink);
-  const bool held = pthread_mutex_lock(&record->meeting) == 0;
-  record->signalled = &bDummyThreadSignalled;
-  leave_meeting(record, held);
+  const int32_t* found = exchange_word(record, &bDummyThreadSignalled);
+  if (found == &done) free(record);
+  return found != &signalling;
 }
 
 }  // namespace quillon_com::orb::portability
@@ -125,7 +108,7 @@ _voxHandleObject_t* voxBeginThread(void*, uint64_t, voxThreadRoutine startRoutin
   }
   const int code = start_detached(static_cast<pthread_t*>(handle->payload), record);
   if (code != 0) {
-    discard_start_record(record);
+    free(record);
     discard_thread_handle(handle);
     return failed;
   }
@@ -156,12 +139,15 @@ void* voxThreadJuggle(void* startRecord) {
 void voxCleanupThread(void* startRecord) {
   auto* record = static_cast<StartRecord*>(startRecord);
   release_slots_of_process();
-  const bool held = pthread_mutex_lock(&record->meeting) == 0;
-  if (record->signalled != &bDummyThreadSignalled) {
-    set_signalled(record->signalled, 1);
+  int32_t* word = exchange_word(record, &signalling);
+  if (word != &bDummyThreadSignalled) {
+    set_signalled(word, 1);
     const bool guarded = pthread_mutex_lock(record->guard) == 0;
     pthread_cond_broadcast(record->condition);
     if (guarded) pthread_mutex_unlock(record->guard);
+    if (exchange_word(record, &done) != &bDummyThreadSignalled) return;  // the closing frees both
+    free(record->handle->payload);
+    free(record->handle);
   }
-  leave_meeting(record, held);
+  free(record);
 }

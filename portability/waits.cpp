@@ -38,7 +38,8 @@ OwnerMutex* owner_of(const _voxHandleObject_t* mutex) {
 // Whether a wait need not sleep; the guard is held. A mutex that somebody set while it is owned is
 // not free: locking it here would keep the guard from the one that is to release it.
 bool is_ready(const _voxHandleObject_t* handle) {
-  return is_signalled(handle) && (handle->kind != HANDLE_TYPE_MUTEX || !owner_of(handle)->held);
+  return is_signalled(handle) &&
+         (handle->kind != HANDLE_TYPE_MUTEX || owner_of(handle)->holder == nullptr);
 }
 
 void unlock_guard(void* guard) { pthread_mutex_unlock(static_cast<pthread_mutex_t*>(guard)); }
@@ -60,13 +61,31 @@ int sleep_until_woken(_voxHandleObject_t* handle, const timespec* deadline) {
 // Takes a signalled mutex; true for other kinds, which stay as they are.
 bool take(_voxHandleObject_t* handle) {
   if (handle->kind != HANDLE_TYPE_MUTEX) return true;
-  if (!lock_owner(owner_of(handle))) return false;
+  if (!lock_owner(owner_of(handle))) [[unlikely]]
+    return false;
   set_signalled(&handle->signalled, 0);
   return true;
 }
 
 uint64_t leave(_voxHandleObject_t* handle, uint64_t result) {
   return pthread_mutex_unlock(&handle->guard) == 0 ? result : uint64_t{WAIT_FAILED};
+}
+
+uint64_t take_and_leave(_voxHandleObject_t* handle) {
+  return leave(handle, take(handle) ? WAIT_OBJECT_0 : WAIT_FAILED);
+}
+
+// The wait for a handle that is not ready; its guard is held, and given up unless the clock cannot
+// be read. Apart from the wait for a ready one, which would pay for its registers.
+[[gnu::noinline]] uint64_t wait_and_leave(_voxHandleObject_t* handle, uint64_t milliseconds) {
+  if (milliseconds == 0) return leave(handle, WAIT_TIMEOUT);
+  timespec deadline{};
+  const bool endless = milliseconds == INFINITE;
+  if (!endless && !deadline_after(milliseconds, &deadline)) return WAIT_FAILED;
+  const int code = sleep_until_woken(handle, endless ? nullptr : &deadline);
+  if (code == 0) return take_and_leave(handle);
+  pthread_mutex_unlock(&handle->guard);
+  return code == ETIMEDOUT ? WAIT_TIMEOUT : WAIT_FAILED;
 }
 
 // Handles in the cyclic order of their turns, and the one whose turn is next.
@@ -108,23 +127,15 @@ using namespace quillon_com::orb::portability;
 
 uint64_t voxWaitForSingleObject(void* handle, uint64_t milliseconds) {
   auto* waited = static_cast<_voxHandleObject_t*>(handle);
-  if (!waitable(waited)) {
+  if (!waitable(waited)) [[unlikely]] {
     store_error(kErrInvalid);
     return WAIT_FAILED;
   }
-  if (pthread_mutex_lock(&waited->guard) != 0) return WAIT_FAILED;
-  if (!is_ready(waited)) {
-    if (milliseconds == 0) return leave(waited, WAIT_TIMEOUT);
-    timespec deadline{};
-    const bool endless = milliseconds == INFINITE;
-    if (!endless && !deadline_after(milliseconds, &deadline)) return WAIT_FAILED;
-    const int code = sleep_until_woken(waited, endless ? nullptr : &deadline);
-    if (code != 0) {
-      pthread_mutex_unlock(&waited->guard);
-      return code == ETIMEDOUT ? WAIT_TIMEOUT : WAIT_FAILED;
-    }
-  }
-  return leave(waited, take(waited) ? WAIT_OBJECT_0 : WAIT_FAILED);
+  if (pthread_mutex_lock(&waited->guard) != 0) [[unlikely]]
+    return WAIT_FAILED;
+  if (!is_ready(waited)) [[unlikely]]
+    return wait_and_leave(waited, milliseconds);
+  return take_and_leave(waited);
 }
 
 uint64_t voxWaitForMultipleObjects(uint64_t count, const void* handles, int waitAll,
