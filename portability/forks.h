@@ -9,6 +9,7 @@
 #include <pthread.h>
 
 #include <atomic>
+#include <cstddef>
 
 namespace quillon_com::orb::portability {
 
@@ -25,6 +26,8 @@ inline bool forking_here() {
 // Has forks handled from now on; false when the system has no room for the handlers.
 bool watch_forks();
 
+constexpr size_t kCacheLine = 128;  // bytes, the longest of the processors in use
+
 // A process-wide mutex, held for moments, that a forked child finds free. Only for objects that
 // live as long as the process.
 class ProcessMutex {
@@ -33,6 +36,7 @@ class ProcessMutex {
 
   // 0, or the code of the failed pthread call.
   int lock() { return !is_plain() && passes() ? 0 : pthread_mutex_lock(&mutex_); }
+  int try_lock() { return !is_plain() && passes() ? 0 : pthread_mutex_trylock(&mutex_); }
   int unlock() { return !is_plain() && passes() ? 0 : pthread_mutex_unlock(&mutex_); }
 
  protected:
@@ -51,8 +55,9 @@ class ProcessMutex {
   // Has the mutex watched; true when the calling thread holds every mutex because it forks.
   bool passes();
 
-  pthread_mutex_t mutex_ = PTHREAD_MUTEX_INITIALIZER;
-  const HeldFor held_for_ = HeldFor::moments;
+  // Apart from what is read before it is locked: contended, that would fetch its line twice.
+  alignas(kCacheLine) pthread_mutex_t mutex_ = PTHREAD_MUTEX_INITIALIZER;
+  alignas(kCacheLine) const HeldFor held_for_ = HeldFor::moments;
   std::atomic<bool> watched_{false};
   std::atomic<bool> has_holder_{false};  // kept for foreign_code alone, as the next
   std::atomic<pthread_t> holder_{};      // meaningless unless has_holder_

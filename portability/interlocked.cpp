@@ -1,17 +1,18 @@
 // portability/interlocked.cpp: increment, decrement and exchange under their two mutexes.
 #include "portability/forks.h"
 #include "portability/handles.h"
+#include "portability/selockparts.h"
 
-using quillon_com::orb::portability::Hold;
-using quillon_com::orb::portability::ProcessMutex;
-
+namespace quillon_com::orb::portability {
 namespace {
 
 ProcessMutex MutexInterlockedLong;
 ProcessMutex MutexInterlockedExchange;
 
-// Adds `step`, wrapping; the mutex orders the two accesses, which are atomic because the result of
-// the caller is read outside it and exchange knows another mutex.
+// Words are read and written atomically, because a step's result is read outside its mutex and
+// exchange knows another one; the mutexes give the order.
+
+// Adds `step`, wrapping.
 long add(long* p, unsigned long step) {
   {
     const Hold hold(MutexInterlockedLong);
@@ -21,7 +22,37 @@ long add(long* p, unsigned long step) {
   return __atomic_load_n(p, __ATOMIC_RELAXED);
 }
 
+// The exchange, whose mutex is held.
+long exchange(long* p, long value) {
+  const long before = __atomic_load_n(p, __ATOMIC_RELAXED);
+  __atomic_store_n(p, value, __ATOMIC_RELAXED);
+  return before;
+}
+
 }  // namespace
+
+bool try_to_take(long* word) {
+  if (MutexInterlockedExchange.try_lock() != 0) return false;
+  const bool taken = exchange(word, 1) == 0;
+  MutexInterlockedExchange.unlock();
+  return taken;
+}
+
+bool begin_brief(const long* word) {
+  if (MutexInterlockedExchange.lock() != 0) return false;
+  if (__atomic_load_n(word, __ATOMIC_RELAXED) == 0) return true;
+  MutexInterlockedExchange.unlock();
+  return false;
+}
+
+void end_brief(long* word, long value) {
+  __atomic_store_n(word, value, __ATOMIC_RELAXED);
+  MutexInterlockedExchange.unlock();
+}
+
+}  // namespace quillon_com::orb::portability
+
+using namespace quillon_com::orb::portability;
 
 long voxInterlockedIncrement(long* p) { return add(p, 1); }
 
@@ -29,5 +60,5 @@ long voxInterlockedDecrement(long* p) { return add(p, ~0ul); }
 
 long voxInterlockedExchange(long* p, long value) {
   const Hold hold(MutexInterlockedExchange);
-  return __atomic_exchange_n(p, value, __ATOMIC_ACQ_REL);
+  return exchange(p, value);
 }

@@ -33,12 +33,21 @@ void wake(Waiter* waiter) {
   voxSetEvent(event);
 }
 
-// Sleeps until granted. A hand-over mostly comes within the time that going to sleep takes, so the
-// flag is watched first. The granter sets the event after it cleared the flag, and the event is
-// consumed only when both have happened: the granter is done with it then.
+// Consumes an event that its setter is about to let go of; false when it has not yet.
+bool reset_at_once(_voxHandleObject_t* event) {
+  if (pthread_mutex_trylock(&event->guard) != 0) return false;
+  set_signalled(&event->signalled, 0);
+  pthread_mutex_unlock(&event->guard);
+  return true;
+}
+
+// Sleeps until granted. The granter sets the event after it cleared the flag, and the event is
+// consumed only when both have happened: the granter is done with it then. A hand-over mostly comes
+// within the time that going to sleep takes, so both words are watched first.
 void sleep_until_granted(const Waiter& waiter) {
   auto* event = reinterpret_cast<_voxHandleObject_t*>(waiter.event);
-  for (int spin = 0; spin < kSpinsBeforeSleep && is_waiting(waiter); ++spin) {
+  for (int spin = 0; spin < kSpinsBeforeSleep; ++spin) {
+    if (!is_waiting(waiter) && is_signalled(event) && reset_at_once(event)) return;
   }
   do {
     voxWaitForSingleObject(event, INFINITE);
@@ -47,10 +56,13 @@ void sleep_until_granted(const Waiter& waiter) {
 }
 
 // Queues the caller and sleeps until the lock is handed to it, or gives up at once.
-int block(void** queue, intptr_t me, int wait, SpinHold& hold) {
+int block(void** queue, intptr_t me, int wait, BriefSpinHold& hold) {
   if (wait == 0 || me == kNobody) return 0;
   auto* event = reinterpret_cast<_voxHandleObject_t*>(me);
-  if (is_signalled(event)) voxResetEvent(event);  // set by somebody else: no grant yet
+  if (is_signalled(event)) {  // set by somebody else: no grant yet
+    hold.lengthen();
+    voxResetEvent(event);
+  }
   Waiter waiter{nullptr, me, process_id(), 1};
   vxLL_XInsertHead(queue, &waiter);
   hold.release();
@@ -71,6 +83,22 @@ void hand_over(_vxSELock_t* lock, Waiter* waiter) {
   lock->lastTransition = kHandedOver;
   lock->processId = waiter->process;
   wake(waiter);
+}
+
+// Whether anybody is to hear that the lock has become free.
+bool is_awaited(const _vxSELock_t* lock) {
+  return lock->exclusiveWaiters != nullptr || lock->sharedWaiters != nullptr ||
+         lock->notifyList != nullptr;
+}
+
+// Gives the free lock to whom it is due.
+void pass_on(_vxSELock_t* lock) {
+  if (auto* waiter = static_cast<Waiter*>(vxLL_XRemoveHead(&lock->exclusiveWaiters)))
+    hand_over(lock, waiter);
+  else if (lock->sharedWaiters == nullptr)
+    notify_free(lock);
+  else
+    admit_shared_waiters(lock);
 }
 
 }  // namespace
@@ -115,7 +143,7 @@ void vxSO_Release(_vxSELock_t* lock) {
 int vxSO_SELockExclusive(_vxSELock_t* lock, int wait) {
   if (lock == nullptr) return 0;
   const intptr_t me = vxSO_GetThread();
-  SpinHold hold(lock);
+  BriefSpinHold hold(lock);
   if (busy_for(lock, me)) return block(&lock->exclusiveWaiters, me, wait, hold);
   grant_exclusive(lock, me, kExclusive);
   return 1;
@@ -124,7 +152,7 @@ int vxSO_SELockExclusive(_vxSELock_t* lock, int wait) {
 int vxSO_SELockSharedStarveExclusive(_vxSELock_t* lock, int wait) {
   if (lock == nullptr) return 0;
   const intptr_t me = vxSO_GetThread();
-  SpinHold hold(lock);
+  BriefSpinHold hold(lock);
   if (lock->owner != me && lock->owner != kNobody)
     return block(&lock->sharedWaiters, me, wait, hold);
   ++lock->count;
@@ -134,7 +162,7 @@ int vxSO_SELockSharedStarveExclusive(_vxSELock_t* lock, int wait) {
 int vxSO_SELockSharedWaitForExclusive(_vxSELock_t* lock, int wait) {
   if (lock == nullptr) return 0;
   const intptr_t me = vxSO_GetThread();
-  SpinHold hold(lock);
+  BriefSpinHold hold(lock);
   const bool open = lock->count == 0 || lock->owner == me ||
                     (lock->owner == kNobody && lock->exclusiveWaiters == nullptr);
   if (!open) return block(&lock->sharedWaiters, me, wait, hold);
@@ -149,24 +177,23 @@ int vxSO_SELock(_vxSELock_t* lock, int exclusive, int wait) {
 
 int vxSO_SELockExclusiveToShared(_vxSELock_t* lock) {
   if (lock == nullptr) return 0;
-  SpinHold hold(lock);
+  BriefSpinHold hold(lock);
   lock->owner = kNobody;
   lock->lastTransition = kDowngraded;
+  if (lock->sharedWaiters == nullptr) return 1;
+  hold.lengthen();
   admit_shared_waiters(lock);
   return 1;
 }
 
 int vxSO_SELockRelease(_vxSELock_t* lock) {
   if (lock == nullptr) return 0;
-  SpinHold hold(lock);
+  BriefSpinHold hold(lock);
   if (--lock->count != 0) return 1;
   lock->owner = kNobody;
   lock->lastTransition = kFreed;
-  if (auto* waiter = static_cast<Waiter*>(vxLL_XRemoveHead(&lock->exclusiveWaiters)))
-    hand_over(lock, waiter);
-  else if (lock->sharedWaiters == nullptr)
-    notify_free(lock);
-  else
-    admit_shared_waiters(lock);
+  if (!is_awaited(lock)) return 1;
+  hold.lengthen();
+  pass_on(lock);
   return 1;
 }

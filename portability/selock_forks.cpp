@@ -30,13 +30,11 @@ class ListHold {
 };
 
 bool take(long* spin, ForkPatience* patience) {
-  while (__atomic_exchange_n(spin, 1, __ATOMIC_ACQUIRE) != 0) {
+  while (!try_to_take(spin)) {
     if (!patience->wait()) return false;
   }
   return true;
 }
-
-void free_word(long* spin) { __atomic_store_n(spin, 0, __ATOMIC_RELEASE); }
 
 }  // namespace
 
@@ -71,7 +69,7 @@ void take_spin_words(ForkPatience* patience) {
 
 void give_back_spin_words() {
   for (LockRecord* each = locks; each != nullptr; each = each->next)
-    if (each->taken) free_word(&each->lock.spin);
+    if (each->taken) vxSL_Release(&each->lock.spin);
   if (list_taken) list_busy.clear(std::memory_order_release);
 }
 
@@ -79,7 +77,7 @@ void free_spin_words() {
   for (LockRecord* each = locks; each != nullptr; each = each->next) {
     each->lock.sharedWaiters = nullptr;
     each->lock.exclusiveWaiters = nullptr;
-    if (!Notifying::is_running(&each->lock)) free_word(&each->lock.spin);
+    if (!Notifying::is_running(&each->lock)) vxSL_Release(&each->lock.spin);
   }
   list_busy.clear(std::memory_order_release);
 }

@@ -6,6 +6,16 @@
 
 namespace quillon_com::orb::portability {
 
+// One try at vxSL_Get that does not even wait for the mutex of voxInterlockedExchange.
+bool try_to_take(long* word);
+
+// Locks the mutex of voxInterlockedExchange when `*word` is 0; otherwise false, and it is not
+// locked.
+bool begin_brief(const long* word);
+
+// Stores `value` in `*word` and gives that mutex up.
+void end_brief(long* word, long value);
+
 enum Transition : int64_t {
   kCreated = 1,
   kExclusive = 2,
@@ -41,22 +51,51 @@ class Notifying {
   const Notifying* outer_;
 };
 
-// The spin word, held for a scope.
+// The spin word, held for a scope; every one is held already while a thread forks.
 class SpinHold {
  public:
-  explicit SpinHold(_vxSELock_t* lock) : lock_(forking_here() ? nullptr : lock) {
-    if (lock_ != nullptr) vxSL_Get(&lock->spin);
+  explicit SpinHold(_vxSELock_t* lock) : word_(forking_here() ? nullptr : &lock->spin) {
+    vxSL_Get(word_);
   }
-  ~SpinHold() { release(); }
+  ~SpinHold() { vxSL_Release(word_); }
   SpinHold(const SpinHold&) = delete;
   SpinHold& operator=(const SpinHold&) = delete;
+
+ private:
+  long* word_;
+};
+
+// The same for a few changes of the record: the word is taken and given back within one hold of the
+// mutex of voxInterlockedExchange instead of two, so that nobody ever sees it taken. What waits,
+// wakes, calls back or exchanges a word must not happen in such a scope before lengthen().
+class BriefSpinHold {
+ public:
+  explicit BriefSpinHold(_vxSELock_t* lock)
+      : word_(forking_here() ? nullptr : &lock->spin),
+        brief_(word_ != nullptr && begin_brief(word_)) {
+    if (!brief_) vxSL_Get(word_);
+  }
+  ~BriefSpinHold() { release(); }
+  BriefSpinHold(const BriefSpinHold&) = delete;
+  BriefSpinHold& operator=(const BriefSpinHold&) = delete;
+
+  // Takes the word for all to see.
+  void lengthen() {
+    if (brief_) end_brief(word_, 1);
+    brief_ = false;
+  }
   void release() {
-    if (lock_ != nullptr) vxSL_Release(&lock_->spin);
-    lock_ = nullptr;
+    if (brief_)
+      end_brief(word_, 0);
+    else
+      vxSL_Release(word_);
+    word_ = nullptr;
+    brief_ = false;
   }
 
  private:
-  _vxSELock_t* lock_;
+  long* word_;  // null when there is nothing to give back
+  bool brief_;
 };
 
 // The next four expect the spin word held.
