@@ -12,7 +12,9 @@ namespace quillon_com::orb::portability {
 namespace {
 
 constexpr intptr_t kNobody = -1;
-constexpr int kSpinsBeforeSleep = 2000;
+// About what it costs to wake a sleeper: two threads that have both gone to sleep once, because one
+// lost its processor, find back to hand-overs without a sleep.
+constexpr int kSpinsBeforeSleep = 20'000;
 
 // A blocked thread's place in a queue; lives on its stack while it waits.
 struct Waiter {
