@@ -11,7 +11,7 @@ ORB_EXTERN_C_BEGIN
 // time-mid (2), time-high with the version 1 in its high nibble (2), the 13-bit clock sequence with
 // the variant (2), the node (6). Any 16 bytes may be read and written as one.
 typedef struct voxGuid {
-  uint8_t bytes[16];
+  uint8_t bytes[16];  // in the order above
 } voxGuid;
 
 // Fills `*guid` with a new GUID and returns `guid`; null, and nothing made, for a null one.

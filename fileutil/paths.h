@@ -55,6 +55,7 @@ class ORB_EXPORT FileNameFlattener {
 // Quirk: the relative text of a link in the root folder is read against the working folder.
 class ORB_EXPORT FileNameResolver {
  public:
+  // Follows `path`, which is read against the working folder when it is relative.
   explicit FileNameResolver(const std::string& path);
 
   // Copies the path of the regular file, flattened, to `out` and returns true; false, `out`

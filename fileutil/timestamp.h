@@ -14,13 +14,13 @@ ORB_EXTERN_C_BEGIN
 
 // A broken-down time as voxGetSystemTime fills it.
 typedef struct voxSystemTime {
-  uint16_t year;
-  uint16_t month;      // 1 to 12
-  uint16_t dayOfWeek;  // 0 is Sunday
-  uint16_t day;        // of the month, 1 to 31
-  uint16_t hour;
-  uint16_t minute;
-  uint16_t second;
+  uint16_t year;          // with its century
+  uint16_t month;         // 1 to 12
+  uint16_t dayOfWeek;     // 0 is Sunday
+  uint16_t day;           // of the month, 1 to 31
+  uint16_t hour;          // 0 to 23
+  uint16_t minute;        // 0 to 59
+  uint16_t second;        // 0 to 60
   uint16_t milliseconds;  // always 0
 } voxSystemTime;
 

@@ -13,19 +13,22 @@
 
 ORB_EXTERN_C_BEGIN
 
+// A file object, as vxCreateFile makes it.
 typedef struct _vxFile_t _vxFile_t;
 
 // The functions below, by which a file object is used as well; one table per object.
 typedef struct _vxFileOperations_t {
+  // Each stands for the function of its name: vxCloseFile, vxReadFile, vxWriteFile, vxGetFileSize.
   uint32_t (*close)(_vxFile_t* file);
   uint32_t (*read)(_vxFile_t* file, void* buffer, int count, unsigned* read);
   uint32_t (*write)(_vxFile_t* file, const void* buffer, int count, unsigned* written);
   uint32_t (*size)(_vxFile_t* file, uint64_t* size);
 } _vxFileOperations_t;
 
+// The record behind it, allocated with malloc.
 struct _vxFile_t {
-  _vxFileOperations_t* operations;
-  _voxHandleObject_t* handle;
+  _vxFileOperations_t* operations;  // owned by the object
+  _voxHandleObject_t* handle;       // the open file, owned by the object
 };
 
 // Opens or creates the file `name` by voxCreateFileAW's rules and stores an object for it in

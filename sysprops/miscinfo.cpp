@@ -29,7 +29,8 @@ std::string stamp_text(const tm& time) {
 // The zone's name before the time: a breakdown may be what makes the C library look at its zone at
 // all. Always both, so that who asks for one again reads what a full collection would have left.
 void collect_time(const platform::System& system, MiscInformation& record) {
-  static portability::ProcessMutex zone_mutex;  // guards the C library's names, which a breakdown writes anew
+  static portability::ProcessMutex
+      zone_mutex;  // guards the C library's names, which a breakdown writes anew
   std::string zone;
   tm local{};
   bool local_known = false;

@@ -36,10 +36,10 @@ std::vector<size_t> numbers() {
 
 // The headers whose every function has a row.
 const char* const kHeaders[] = {
-    "fileutil/dirent.h",        "fileutil/voxfio.h",
-    "fileutil/conversions.h",   "portability/Linklist.h", "portability/dynlib.h",
-    "portability/filehandle.h", "portability/handles.h",  "portability/selock.h",
-    "portability/signals.h",    "portability/threads.h",
+    "fileutil/dirent.h",      "fileutil/voxfio.h",    "fileutil/conversions.h",
+    "portability/Linklist.h", "portability/dynlib.h", "portability/filehandle.h",
+    "portability/handles.h",  "portability/selock.h", "portability/signals.h",
+    "portability/threads.h",
 };
 
 std::string text_of(const std::string& name) {
