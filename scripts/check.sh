@@ -70,7 +70,7 @@ sanitized() {  # PRESET [AREA...]: builds and runs the tests, those of the areas
 }
 step_asan() { sanitized asan; }
 # The areas whose tests start threads.
-step_tsan() { sanitized tsan portability fileutil network session sysprops platform; }
+step_tsan() { sanitized tsan portability stress fileutil trees network session sysprops platform; }
 
 # The shared library exports what abi/exports.txt lists, no more and no less.
 step_exports() {
