@@ -9,20 +9,13 @@
 #include <string>
 #include <string_view>
 
+#include "tests/support/named_texts.h"
+
 namespace quillon_com::orb {
 namespace {
 
-struct WideName {
-  const char* name;
-  const std::wstring& constant;
-  const wchar_t* text;
-};
-
-struct NarrowName {
-  const char* name;
-  const std::string& constant;
-  const char* text;
-};
+using orbtest::NarrowName;
+using orbtest::WideName;
 
 const WideName kPolicySections[] = {
     {"section_general", section_general, L"General"},

@@ -5,21 +5,13 @@
 #include <string>
 
 #include "sysprops/records.h"
+#include "tests/support/named_texts.h"
 
 namespace quillon_com::orb::sysprops {
 namespace {
 
-struct WideName {
-  const char* name;
-  const std::wstring& constant;
-  const wchar_t* text;
-};
-
-struct NarrowName {
-  const char* name;
-  const std::string& constant;
-  const char* text;
-};
+using orbtest::NarrowName;
+using orbtest::WideName;
 
 const WideName kKeys[] = {
     {"SystemInfo_Key", SystemInfo_Key, L"SystemInfo"},

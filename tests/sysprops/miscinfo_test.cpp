@@ -8,12 +8,14 @@
 #include <vector>
 
 #include "sysprops/collect.h"
+#include "tests/support/broken_down.h"
 #include "tests/support/fake_system.h"
 #include "tests/support/scoped_environment.h"
 
 namespace {
 
 using namespace quillon_com::orb::sysprops;
+using orbtest::broken_down;
 using orbtest::FakeSystem;
 using orbtest::ScopedEnvironment;
 using quillon_com::orb::platform::SessionEntry;
@@ -24,17 +26,6 @@ MiscInformation collected(const FakeSystem& system) {
   MiscInformation record;
   EXPECT_TRUE(collect_misc(system, record));
   return record;
-}
-
-tm broken_down(int year, int month, int day, int hour, int minute, int second) {
-  tm time{};
-  time.tm_year = year - 1900;
-  time.tm_mon = month - 1;
-  time.tm_mday = day;
-  time.tm_hour = hour;
-  time.tm_min = minute;
-  time.tm_sec = second;
-  return time;
 }
 
 struct UserCase {
