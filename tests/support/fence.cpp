@@ -6,10 +6,13 @@
 #include <sys/mount.h>
 #include <unistd.h>
 
+#include <cstdlib>
 #include <string>
 
 namespace orbtest {
 namespace {
+
+constexpr const char* kTemporary = "/mnt";
 
 bool set_read_only(const char* path, bool read_only) {
   mount_attr change{};
@@ -33,8 +36,9 @@ bool put_up(const char* writable) {
     return false;
   if (!set_read_only("/", true)) return false;
   if (writable != nullptr && !set_read_only(writable, false)) return false;
-  if (mount("none", "/tmp", "tmpfs", 0, nullptr) != 0) return false;
-  return unsetenv("TMPDIR") == 0 && is_writable("/tmp") && !is_writable("/etc") &&
+  // Not over the temporary folder: the program itself may have been built below it.
+  if (mount("none", kTemporary, "tmpfs", 0, nullptr) != 0) return false;
+  return setenv("TMPDIR", kTemporary, 1) == 0 && is_writable(kTemporary) && !is_writable("/etc") &&
          !is_writable("/dev") && !is_writable("/");
 }
 
