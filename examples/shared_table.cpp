@@ -14,6 +14,7 @@ int main() {
   std::map<int, int> table;
 
   std::vector<std::thread> threads;
+  threads.reserve(6);
   for (int writer = 0; writer < 2; ++writer) {
     threads.emplace_back([&, writer] {
       vxSO_ThreadAttach();  // once in each thread that uses a lock
