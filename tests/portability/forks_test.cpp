@@ -8,6 +8,7 @@
 
 #include <atomic>
 #include <functional>
+#include <string_view>
 #include <thread>
 #include <vector>
 
@@ -351,6 +352,8 @@ TEST_F(ForkOfLocks, LetsHandlersOfTheCallerUseTheLibrary) {
 }
 
 TEST_F(ForkOfLocks, WhileOthersUseEverythingLeavesTheChildEverything) {
+  if (std::string_view(ORB_SANITIZERS).find("address") != std::string_view::npos)
+    GTEST_SKIP() << "the address sanitizer's own allocator stays locked in such a child";
   std::atomic<bool> done{false};
   std::vector<std::thread> others;
   for (int each = 0; each < 2; ++each) {
