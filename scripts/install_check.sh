@@ -30,8 +30,11 @@ read -ra libraries <<<"$(pkg-config --libs orbcommon) -Wl,-rpath,$(pkg-config --
 cc -std=c11 -shared -fPIC "${flags[@]}" c/plugin.c -o "$work/plugin.so"
 mapfile -t sources < <(find c -name '*.c' ! -name plugin.c)
 cc -std=c11 "${flags[@]}" "${sources[@]}" "${libraries[@]}" -o "$work/c11"
-c++ -std=c++17 "${flags[@]}" cxx/*.cpp "${libraries[@]}" -o "$work/cxx17"
+for standard in 17 20; do
+  c++ -std=c++$standard "${flags[@]}" cxx/*.cpp "${libraries[@]}" -o "$work/cxx$standard"
+done
 cd "$work"
 logged ./c11 "$work/plugin.so"
 logged ./cxx17
+logged ./cxx20
 echo "built and run against the installed library by CMake and by pkg-config"
