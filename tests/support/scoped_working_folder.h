@@ -1,28 +1,33 @@
 // tests/support/scoped_working_folder.h: the process's working folder for one scope.
 #pragma once
 
+#include <fcntl.h>
+#include <unistd.h>
+
+#include <cstdlib>
 #include <filesystem>
 #include <string>
 
 namespace orbtest {
 
-// Makes `folder` the working folder; the destructor goes back to the one before. The constructor
-// throws when the folder cannot be entered.
+// Makes `folder` the working folder; the destructor goes back to the one before, also when its path
+// has become closed to the process's user. The constructor throws when the folder cannot be
+// entered.
 class ScopedWorkingFolder {
  public:
   explicit ScopedWorkingFolder(const std::string& folder)
-      : before_(std::filesystem::current_path()) {
+      : before_(open(".", O_RDONLY | O_DIRECTORY | O_CLOEXEC)) {
     std::filesystem::current_path(folder);
   }
   ~ScopedWorkingFolder() {
-    std::error_code ignored;
-    std::filesystem::current_path(before_, ignored);
+    if (fchdir(before_) != 0) abort();  // nothing behind this could be relied on
+    close(before_);
   }
   ScopedWorkingFolder(const ScopedWorkingFolder&) = delete;
   ScopedWorkingFolder& operator=(const ScopedWorkingFolder&) = delete;
 
  private:
-  std::filesystem::path before_;
+  int before_;
 };
 
 }  // namespace orbtest
