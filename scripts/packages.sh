@@ -41,8 +41,9 @@ need() {
   if [ ${#missing[@]} = 0 ]; then return 0; fi
   echo "dev: installing ${missing[*]}" >&2
   as_root apt-get update -qq >&2 || true
+  # Another installation under way, an automatic update say, is waited for.
   as_root env DEBIAN_FRONTEND=noninteractive apt-get install -y -qq --no-install-recommends \
-    "${missing[@]}" >&2
+    -o DPkg::Lock::Timeout=900 "${missing[@]}" >&2
 }
 
 # need_command COMMAND PACKAGE: installs PACKAGE unless COMMAND is there from wherever.
