@@ -10,6 +10,9 @@ set_target_properties(orbcommon_objects PROPERTIES
   C_VISIBILITY_PRESET hidden
   CXX_VISIBILITY_PRESET hidden
   VISIBILITY_INLINES_HIDDEN ON)
+# Loops over texts: at the ordinary level the compiler takes one element at a time.
+set_source_files_properties(fileutil/strings.cpp fileutil/utf8.cpp fileutil/wildcard.cpp PROPERTIES
+  COMPILE_OPTIONS "$<$<CONFIG:RelWithDebInfo>:-O3>")
 set_source_files_properties(${ORB_VERSION_SOURCE} PROPERTIES
   COMPILE_DEFINITIONS "${ORB_VERSION_DEFINITIONS}")
 target_compile_definitions(orbcommon_objects PRIVATE _FILE_OFFSET_BITS=64)

@@ -1,12 +1,15 @@
 // fileutil/strings.cpp: the conversions between string objects.
+#include <algorithm>
 #include <charconv>
 #include <climits>
+#include <cstddef>
 #include <cstdlib>
 #include <cstring>
 #include <cwchar>
 #include <memory>
 #include <new>
 #include <string>
+#include <type_traits>
 
 #include "fileutil/conversions.h"
 #include "fileutil/utf8.h"
@@ -49,6 +52,48 @@ auto or_empty(Make make) noexcept -> decltype(make()) {
   }
 }
 
+// Whether every element is ASCII and none is zero: such a text converts element by element.
+template <class Char>
+bool is_plain(const std::basic_string<Char>& text) {
+  using Bits = std::make_unsigned_t<Char>;
+  const auto is_other = [](Char element) {
+    return static_cast<Bits>(static_cast<Bits>(element) - 1U) >= 0x7F;
+  };
+  constexpr size_t kRun = 64;  // elements between two looks
+  const Char* at = text.data();
+  size_t left = text.size();
+  for (; left >= kRun; left -= kRun, at += kRun) {
+    Bits others = 0;
+    for (size_t i = 0; i < kRun; ++i) others |= Bits{is_other(at[i])};
+    if (others != 0) return false;
+  }
+  return std::none_of(at, at + left, is_other);
+}
+
+// A plain text as a string of the other kind: without a work buffer.
+template <class String, class Text>
+String copied(const Text& text) {
+  return or_empty([&] { return String(text.begin(), text.end()); });
+}
+
+// The next two stand apart from the conversion of plain texts, which would pay for their buffers.
+
+[[gnu::noinline]] std::wstring decoded(const char* text) {
+  const size_t bytes = std::strlen(text);
+  WorkBuffer<wchar_t> work(bytes);
+  if (work.get() == nullptr) return {};
+  const size_t length = decode_utf8(text, bytes, work.get());
+  return or_empty([&] { return std::wstring(work.get(), length); });
+}
+
+[[gnu::noinline]] std::string encoded(const wchar_t* text) {
+  const size_t elements = std::wcslen(text);
+  WorkBuffer<char> work(elements * 4);
+  if (work.get() == nullptr) return {};
+  const size_t length = encode_utf8(text, elements, work.get());
+  return or_empty([&] { return std::string(work.get(), length); });
+}
+
 template <class String, class Number>
 String decimal(Number value) {
   char digits[24];
@@ -71,18 +116,14 @@ bool is_space(char byte) { return isspace(static_cast<unsigned char>(byte)) != 0
 
 std::wstring voxcomn_ansi_to_wide(const std::string& text) {
   if (text.size() > kMostRoom - 1) return {};
-  WorkBuffer<wchar_t> work(text.size());
-  if (work.get() == nullptr) return {};
-  const size_t length = decode_utf8(text.c_str(), std::strlen(text.c_str()), work.get());
-  return or_empty([&] { return std::wstring(work.get(), length); });
+  return is_plain(text) ? copied<std::wstring>(text) : decoded(text.c_str());
 }
 
 std::string voxcomn_wide_to_ansi(const std::wstring& text) {
+  constexpr size_t kShort = 64;  // elements; the buffer of a longer one costs less than its check
   if (text.size() > (kMostRoom - 1) / 6) return {};
-  WorkBuffer<char> work(text.size() * 4);
-  if (work.get() == nullptr) return {};
-  const size_t length = encode_utf8(text.c_str(), std::wcslen(text.c_str()), work.get());
-  return or_empty([&] { return std::string(work.get(), length); });
+  return text.size() <= kShort && is_plain(text) ? copied<std::string>(text)
+                                                 : encoded(text.c_str());
 }
 
 std::wstring voxcomn_long_to_wide_string(const long& value) { return decimal<std::wstring>(value); }

@@ -65,6 +65,42 @@ TEST(WideToAnsi, EveryLengthComesBack) {
   EXPECT_EQ(large, voxcomn_ansi_to_wide(voxcomn_wide_to_ansi(large)));
 }
 
+// Texts of one letter but for one place: what stands there decides alone, wherever it is.
+template <class Text>
+Text with(size_t length, size_t at, typename Text::value_type element) {
+  Text text(length, 'a');
+  text[at] = element;
+  return text;
+}
+
+TEST(AnsiToWide, OneOddByteAnywhere) {
+  for (size_t length = 1; length <= 140; ++length) {
+    for (size_t at = 0; at < length; ++at) {
+      const std::wstring before(at, L'a');
+      ASSERT_EQ(before, voxcomn_ansi_to_wide(with<std::string>(length, at, '\0'))) << length;
+      ASSERT_EQ(before, voxcomn_ansi_to_wide(with<std::string>(length, at, '\x80'))) << length;
+      ASSERT_EQ(before, voxcomn_ansi_to_wide(with<std::string>(length, at, '\xFF'))) << length;
+      ASSERT_EQ(with<std::wstring>(length, at, L'\x7F'),
+                voxcomn_ansi_to_wide(with<std::string>(length, at, '\x7F')));
+    }
+  }
+}
+
+TEST(WideToAnsi, OneOddElementAnywhere) {
+  for (size_t length = 1; length <= 140; ++length) {
+    for (size_t at = 0; at < length; ++at) {
+      const std::string before(at, 'a');
+      ASSERT_EQ(before, voxcomn_wide_to_ansi(with<std::wstring>(length, at, L'\0'))) << length;
+      ASSERT_EQ(before, voxcomn_wide_to_ansi(with<std::wstring>(length, at, 0xD800))) << length;
+      ASSERT_EQ(before, voxcomn_wide_to_ansi(with<std::wstring>(length, at, -1))) << length;
+      ASSERT_EQ(before + "\xC2\x80" + std::string(length - at - 1, 'a'),
+                voxcomn_wide_to_ansi(with<std::wstring>(length, at, 0x80)));
+      ASSERT_EQ(with<std::string>(length, at, '\x7F'),
+                voxcomn_wide_to_ansi(with<std::wstring>(length, at, L'\x7F')));
+    }
+  }
+}
+
 TEST(NumbersToStrings, WriteDecimals) {
   EXPECT_EQ(L"0", voxcomn_long_to_wide_string(0));
   EXPECT_EQ(L"-1", voxcomn_long_to_wide_string(-1));
@@ -154,7 +190,10 @@ size_t empty_whenever_memory_fails(Call call) {
 TEST(OutOfMemory, EveryStringIsEmpty) {
   const std::string narrow(10000, 'a');
   const std::wstring wide(10000, L'a');
-  EXPECT_EQ(2U, empty_whenever_memory_fails([&] { return voxcomn_ansi_to_wide(narrow); }));
+  // ASCII goes into the result at once, other long texts by way of a work buffer.
+  const std::string mixed = narrow + "\xC3\xA9";
+  EXPECT_EQ(1U, empty_whenever_memory_fails([&] { return voxcomn_ansi_to_wide(narrow); }));
+  EXPECT_EQ(2U, empty_whenever_memory_fails([&] { return voxcomn_ansi_to_wide(mixed); }));
   EXPECT_EQ(2U, empty_whenever_memory_fails([&] { return voxcomn_wide_to_ansi(wide); }));
   EXPECT_EQ(1U, empty_whenever_memory_fails([&] { return voxcomn_convert_to_upper(narrow); }));
   EXPECT_EQ(1U, empty_whenever_memory_fails([&] { return voxcomn_convert_to_lower(narrow); }));

@@ -165,6 +165,31 @@ TEST(WildcardPlain, MillionsOfRandomPairsAgree) {
   EXPECT_LT(200'000, pairs.others);
 }
 
+// Names of more places than are tried at a time, and segments cut out of them, so that many begin
+// to match in many places: with question marks or without, long ones too, some changed in a byte.
+TEST(WildcardPlain, SegmentsOfLongNamesAgree) {
+  std::mt19937 random(20241121);
+  Comparison pairs;
+  for (int pair = 0; pair < 200'000; ++pair) {
+    const std::string name = random_text(random, pair % 3 == 0 ? "aaaaaaab" : "ab", 200);
+    std::string pattern;
+    for (size_t stars = 1 + random() % 2; stars > 0; --stars) {
+      std::string segment = name.substr(random() % (name.size() + 1), random() % 90);
+      if (pair % 2 == 0) {
+        for (size_t at = random() % 3; at < segment.size(); at += 1 + random() % 4)
+          segment[at] = '?';
+      }
+      if (!segment.empty() && random() % 2 == 0) segment[random() % segment.size()] = 'b';
+      pattern += "*" + segment;
+    }
+    pairs.compare(pattern, name);
+  }
+  EXPECT_EQ("", pairs.difference);
+  EXPECT_LT(190'000, pairs.matches + pairs.others) << "pairs that the plain form gave up";
+  EXPECT_LT(30'000, pairs.matches);
+  EXPECT_LT(30'000, pairs.others);
+}
+
 std::string repeated(const std::string& text, int times) {
   std::string result;
   while (times-- > 0) result += text;
@@ -194,6 +219,9 @@ TEST(WildcardCost, HostilePatternsTakeWellUnderAMillisecond) {
   EXPECT_GT(500, microseconds(repeated("*a?", 40) + "*b", name + "cc", kNoMatch));
   EXPECT_GT(500, microseconds("*" + repeated("a", 125) + "b", name, kNoMatch));
   EXPECT_GT(500, microseconds("*?" + repeated("a", 125) + "b", name, kNoMatch));
+  const std::string long_name = repeated("a", 4096);
+  EXPECT_GT(1500, microseconds("*" + repeated("?a", 1023) + "b", long_name, kNoMatch));
+  EXPECT_GT(1500, microseconds("*" + repeated("a", 2047) + "b", long_name, kNoMatch));
 }
 
 void* match_long_texts(void* result) {

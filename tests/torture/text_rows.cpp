@@ -95,8 +95,9 @@ Torture empty_without_memory(const char* function, const char* length, const Tex
 }
 
 const orbtest::Tortures strings({
-    empty_without_memory("quillon_com::orb::voxcomn_ansi_to_wide(std::string const&)", "80000",
-                         long_text(), voxcomn_ansi_to_wide, true),
+    // ASCII alone would need no buffer.
+    empty_without_memory("quillon_com::orb::voxcomn_ansi_to_wide(std::string const&)", "80001",
+                         long_text() + "\xC3\xA9", voxcomn_ansi_to_wide, true),
     empty_without_memory("quillon_com::orb::voxcomn_wide_to_ansi(std::wstring const&)", "80000",
                          long_wide_text(), voxcomn_wide_to_ansi, true),
     empty_without_memory("quillon_com::orb::voxcomn_long_to_wide_string(long const&)", "9",
