@@ -35,9 +35,25 @@ class ProcessMutex {
   constexpr ProcessMutex() = default;
 
   // 0, or the code of the failed pthread call.
-  int lock() { return !is_plain() && passes() ? 0 : pthread_mutex_lock(&mutex_); }
-  int try_lock() { return !is_plain() && passes() ? 0 : pthread_mutex_trylock(&mutex_); }
-  int unlock() { return !is_plain() && passes() ? 0 : pthread_mutex_unlock(&mutex_); }
+  int lock() {
+    pthread_mutex_t* mutex = to_lock();
+    return mutex == nullptr ? 0 : pthread_mutex_lock(mutex);
+  }
+  int try_lock() {
+    pthread_mutex_t* mutex = to_lock();
+    return mutex == nullptr ? 0 : pthread_mutex_trylock(mutex);
+  }
+  int unlock() {
+    pthread_mutex_t* mutex = to_lock();
+    return mutex == nullptr ? 0 : pthread_mutex_unlock(mutex);
+  }
+  // What a scope of the calling thread locks and unlocks; null when the thread holds every mutex
+  // because it forks, which no scope outlives.
+  pthread_mutex_t* to_lock() {
+    if (is_plain()) [[likely]]
+      return &mutex_;
+    return passes() ? nullptr : &mutex_;
+  }
 
  protected:
   enum class HeldFor { moments, foreign_code };
@@ -96,6 +112,25 @@ class Hold {
 
  private:
   Mutex* mutex_;
+};
+
+// Whether there is something to lock is asked once for both ends: this scope is in operations that
+// take no longer than the asking.
+template <>
+class Hold<ProcessMutex> {
+ public:
+  explicit Hold(ProcessMutex& mutex)
+      : mutex_(mutex.to_lock()), held_(mutex_ == nullptr || pthread_mutex_lock(mutex_) == 0) {}
+  ~Hold() {
+    if (held_ && mutex_ != nullptr) pthread_mutex_unlock(mutex_);
+  }
+  Hold(const Hold&) = delete;
+  Hold& operator=(const Hold&) = delete;
+  explicit operator bool() const { return held_; }
+
+ private:
+  pthread_mutex_t* mutex_;
+  bool held_;
 };
 
 // How long a forking thread waits for the locks of others, all in all.
