@@ -7,18 +7,9 @@
 #include <functional>
 #include <thread>
 
-#include "portability/threads.h"
+#include "tests/support/attached.h"
 
 namespace orbtest {
-
-// The calling thread's event, for a scope.
-class AttachedThread {
- public:
-  AttachedThread() { vxSO_ThreadAttach(); }
-  ~AttachedThread() { vxSO_ThreadDetach(); }
-  AttachedThread(const AttachedThread&) = delete;
-  AttachedThread& operator=(const AttachedThread&) = delete;
-};
 
 // A thread with an event that runs `body`.
 inline std::thread attached(std::function<void()> body) {

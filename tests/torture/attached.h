@@ -5,40 +5,10 @@
 #include <string_view>
 #include <thread>
 
-#include "portability/selock.h"
-#include "portability/threads.h"
+#include "tests/support/attached.h"
 #include "tests/support/torture.h"
 
 namespace orbtest {
-
-// The slot and the calling thread's event, for a scope.
-class Attached {
- public:
-  Attached() {
-    vxSO_ProcessAttach();
-    vxSO_ThreadAttach();
-  }
-  ~Attached() {
-    vxSO_ThreadDetach();
-    vxSO_ProcessDetach();
-  }
-  Attached(const Attached&) = delete;
-  Attached& operator=(const Attached&) = delete;
-};
-
-// A lock, for a scope.
-class Lock {
- public:
-  Lock() { vxSO_SELockCreate(&lock_); }
-  ~Lock() { vxSO_Release(lock_); }
-  Lock(const Lock&) = delete;
-  Lock& operator=(const Lock&) = delete;
-  _vxSELock_t* get() const { return lock_; }
-  _vxSELock_t* operator->() const { return lock_; }
-
- private:
-  _vxSELock_t* lock_ = nullptr;
-};
 
 // Holds `lock` exclusively in another thread, which gives it up when the tortured call sleeps for
 // it, or when a call failed on its way there.
