@@ -15,9 +15,8 @@
 #include <functional>
 #include <stdexcept>
 #include <string>
-#include <utility>
 
-#include "benchmarks/second_thread.h"
+#include "benchmarks/family.h"
 #include "fileutil/filetree.h"
 
 namespace {
@@ -39,16 +38,26 @@ class Folder {
 
   std::string path(const std::string& name) const { return path_ + "/" + name; }
 
+  // Has everything written that the file system of the folder still keeps to itself.
+  void write_back() const {
+    const int descriptor = open(path_.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    if (descriptor < 0) return;
+    syncfs(descriptor);
+    close(descriptor);
+  }
+
  private:
   std::string path_;
 };
 
-// Times `work` alone, with `prepare` before and `finish` after it in each turn.
-void turns(benchmark::State& state, const std::function<void()>& prepare,
+// Times `work` alone, with `prepare` before and `finish` after it in each turn, which begins with
+// nothing left to be written to the folder's disk: what one row wrote is not to be another's time.
+void turns(benchmark::State& state, const Folder& folder, const std::function<void()>& prepare,
            const std::function<void()>& work, const std::function<void()>& finish) {
   using Clock = std::chrono::steady_clock;
   for (auto _ : state) {
     prepare();
+    folder.write_back();
     const Clock::time_point begin = Clock::now();
     work();
     state.SetIterationTime(std::chrono::duration<double>(Clock::now() - begin).count());
@@ -74,7 +83,7 @@ void copy_file(benchmark::State& state, const std::string& where, size_t bytes, 
   fill(from, bytes);
   bool copied = true;
   turns(
-      state, [] {}, [&] { copied = copy(from.c_str(), to.c_str()) && copied; },
+      state, folder, [] {}, [&] { copied = copy(from.c_str(), to.c_str()) && copied; },
       [&] {
         copied = copied && fs::file_size(to) == bytes;
         fs::remove(to);
@@ -101,7 +110,7 @@ void remove_tree(benchmark::State& state, const std::string& where, int files, R
   const std::string top = folder.path("tree");
   bool removed = true;
   turns(
-      state, [&] { make_tree(top, files); }, [&] { remove(top.c_str()); },
+      state, folder, [&] { make_tree(top, files); }, [&] { remove(top.c_str()); },
       [&] { removed = removed && !fs::exists(top); });
   if (!removed) state.SkipWithError("a tree is still there");
 }
@@ -115,54 +124,50 @@ void their_removal(const char* top) { fs::remove_all(top); }
 
 // A row of ours with its goal, and one of the C++ library's.
 template <class Run, class Operation>
-void add(const std::string& name, double goal, Run run, Operation ours, Operation theirs) {
+void add(const std::string& name, double size, double goal, Run run, Operation ours,
+         Operation theirs) {
   const auto finish = [](benchmark::internal::Benchmark* row) {
     row->UseManualTime()->Unit(benchmark::kMillisecond);
   };
   finish(benchmark::RegisterBenchmark((name + "/ours").c_str(), [=](benchmark::State& state) {
     run(state, ours);
-    state.counters["goal_ratio"] = goal;
+    orbbench::goal(state, "goal_ratio", goal);
+    orbbench::size(state, size);
   }));
   finish(benchmark::RegisterBenchmark((name + "/std_filesystem").c_str(),
-                                      [=](benchmark::State& state) { run(state, theirs); }));
+                                      [=](benchmark::State& state) {
+                                        run(state, theirs);
+                                        orbbench::size(state, size);
+                                      }));
 }
 
-void register_all() {
-  constexpr double kCopyGoal = 1.15;
-  constexpr double kRemovalGoal = 1.25;
+void add_copy(const std::string& place, const std::string& where, size_t mebibytes) {
+  const size_t bytes = mebibytes << 20;
+  add(
+      "copy/" + std::to_string(mebibytes) + "MiB/" + place, static_cast<double>(bytes), 1.15,
+      [=](benchmark::State& state, Copy copy) { copy_file(state, where, bytes, copy); }, our_copy,
+      their_copy);
+}
+
+void add_removal(const std::string& place, const std::string& where, int files) {
+  add(
+      "remove_tree/" + std::to_string(files) + "_files/" + place, files, 1.25,
+      [=](benchmark::State& state, Remove remove) { remove_tree(state, where, files, remove); },
+      our_removal, their_removal);
+}
+
+const bool added = [] {
   const std::string memory = "/dev/shm";
   const std::string disk = fs::current_path();
-  for (const auto& [place, where] : {std::pair{"memory", memory}, std::pair{"disk", disk}}) {
-    for (const size_t mebibytes : {1, 64}) {
-      const std::string name = "copy/" + std::to_string(mebibytes) + "MiB/" + place;
-      add(
-          name, kCopyGoal,
-          [where = where, bytes = mebibytes << 20](benchmark::State& state, Copy copy) {
-            copy_file(state, where, bytes, copy);
-          },
-          our_copy, their_copy);
-    }
-    for (const int files : {1000, 10'000, 100'000}) {
-      if (where == disk && files > 10'000) continue;  // making it takes a minute
-      const std::string name = "remove_tree/" + std::to_string(files) + "_files/" + place;
-      add(
-          name, kRemovalGoal,
-          [where = where, files](benchmark::State& state, Remove remove) {
-            remove_tree(state, where, files, remove);
-          },
-          our_removal, their_removal);
-    }
+  for (const size_t mebibytes : {1, 8, 64}) {
+    add_copy("memory", memory, mebibytes);
+    add_copy("disk", disk, mebibytes);
   }
-}
+  for (const int files : {100, 1000, 10'000, 100'000}) {
+    add_removal("memory", memory, files);
+    if (files <= 10'000) add_removal("disk", disk, files);  // making more takes a minute
+  }
+  return true;
+}();
 
 }  // namespace
-
-int main(int argc, char** argv) {
-  const orbbench::SecondThread second;
-  register_all();
-  benchmark::Initialize(&argc, argv);
-  if (benchmark::ReportUnrecognizedArguments(argc, argv)) return 1;
-  benchmark::RunSpecifiedBenchmarks();
-  benchmark::Shutdown();
-  return 0;
-}

@@ -9,25 +9,25 @@
 #include <cwchar>
 #include <string>
 
-#include "benchmarks/second_thread.h"
+#include "benchmarks/family.h"
 #include "fileutil/conversions.h"
 
 namespace {
 
 using namespace quillon_com::orb;
 
-const std::string kShort = "C:/Program Files";  // 16 bytes
-const std::string kAscii = [] {                 // 1 KiB
+// Texts of a length in bytes: ASCII, and words in several scripts with blanks between.
+std::string ascii(size_t bytes) {
   std::string text;
-  while (text.size() < 1024) text += "the quick brown fox jumps over ";
-  return text.substr(0, 1024);
-}();
-const std::string kMixed = [] {  // 1 KiB: words in several scripts with blanks between
+  while (text.size() < bytes) text += "the quick brown fox jumps over ";
+  return text.substr(0, bytes);
+}
+std::string mixed(size_t bytes) {
+  const std::string words = "na\xC3\xAFve caf\xC3\xA9 \xE2\x82\xAC 12 \xE6\x97\xA5\xE6\x9C\xAC ";
   std::string text;
-  while (text.size() < 990)
-    text += "na\xC3\xAFve caf\xC3\xA9 \xE2\x82\xAC 12 \xE6\x97\xA5\xE6\x9C\xAC ";
-  return text + std::string(1024 - text.size(), '.');
-}();
+  while (text.size() + words.size() <= bytes) text += words;
+  return text + std::string(bytes - text.size(), '.');
+}
 
 size_t iconv_per_call(const char* to, const char* from, const void* text, size_t bytes, void* out,
                       size_t room) {
@@ -90,45 +90,68 @@ void wide_to_ansi(benchmark::State& state, const std::string& source) {
   for (auto _ : state) benchmark::DoNotOptimize(voxcomn_wide_to_ansi(text));
 }
 
-constexpr double kWrapperGoal = 1.6;  // of a string's conversion to the converter's time
+using Run = void (*)(benchmark::State&, const std::string&);
 
-void register_all() {
-  struct Text {
-    const char* name;
-    const std::string* text;
-    double goal_to_wide;  // of our time to iconv's
-    double goal_to_utf8;
-  };
-  for (const Text& row : {Text{"16B", &kShort, 0.2, 0.2}, Text{"1KiB_ascii", &kAscii, 0.4, 0.45},
-                          Text{"1KiB_mixed", &kMixed, 0.7, 0.7}}) {
-    using Run = void (*)(benchmark::State&, const std::string&);
-    const auto add = [&row](const std::string& operation, const char* who, Run run,
-                            double goal = 0) {
-      const auto measure = [run, goal, text = *row.text](benchmark::State& state) {
-        run(state, text);
-        if (goal > 0) state.counters["goal_ratio"] = goal;
-      };
-      benchmark::RegisterBenchmark((operation + "/" + row.name + "/" + who).c_str(), measure);
+template <class Note>
+void add(const std::string& name, Run run, const std::string& text, Note note) {
+  benchmark::RegisterBenchmark(name.c_str(), [=](benchmark::State& state) {
+    run(state, text);
+    note(state);
+  });
+}
+
+// Every row of a text: `goal_to_wide` and `goal_to_utf8` are of our time to iconv's, and so is
+// what is hoped for beside the first.
+void add_text(const std::string& name, const std::string& text, double goal_to_wide,
+              double goal_to_utf8, double stretch_to_wide = 0) {
+  const auto with_goal = [](double ratio, double stretch = 0) {
+    return [=](benchmark::State& state) {
+      orbbench::goal(state, "goal_ratio", ratio);
+      if (stretch > 0) orbbench::goal(state, "stretch_ratio", stretch);
     };
-    add("utf8_to_wide", "ours", utf8_to_wide, row.goal_to_wide);
-    add("utf8_to_wide", "iconv_per_call", utf8_to_wide_iconv);
-    add("utf8_to_wide_string", "ours", ansi_to_wide, kWrapperGoal);
-    add("utf8_to_wide_string", "converter", utf8_to_wide);
-    add("wide_to_utf8", "ours", wide_to_utf8, row.goal_to_utf8);
-    add("wide_to_utf8", "iconv_per_call", wide_to_utf8_iconv);
-    add("wide_to_utf8_string", "ours", wide_to_ansi, kWrapperGoal);
-    add("wide_to_utf8_string", "converter", wide_to_utf8);
+  };
+  const auto plain = [](benchmark::State&) {};
+  const auto of_wrapper = with_goal(1.6);
+  add("utf8_to_wide/" + name + "/ours", utf8_to_wide, text,
+      with_goal(goal_to_wide, stretch_to_wide));
+  add("utf8_to_wide/" + name + "/iconv_per_call", utf8_to_wide_iconv, text, plain);
+  add("utf8_to_wide_string/" + name + "/ours", ansi_to_wide, text, of_wrapper);
+  add("utf8_to_wide_string/" + name + "/converter", utf8_to_wide, text, plain);
+  add("wide_to_utf8/" + name + "/ours", wide_to_utf8, text, with_goal(goal_to_utf8));
+  add("wide_to_utf8/" + name + "/iconv_per_call", wide_to_utf8_iconv, text, plain);
+  add("wide_to_utf8_string/" + name + "/ours", wide_to_ansi, text, of_wrapper);
+  add("wide_to_utf8_string/" + name + "/converter", wide_to_utf8, text, plain);
+}
+
+// The rows of all sizes of a kind of text.
+void add_series(const std::string& kind, std::string (*text_of)(size_t)) {
+  struct Size {
+    const char* name;
+    size_t bytes;
+  };
+  constexpr size_t kKibibyte = 1024;
+  for (const Size& each :
+       {Size{"16B", 16}, Size{"1KiB", kKibibyte}, Size{"64KiB", 64 * kKibibyte},
+        Size{"1MiB", kKibibyte * kKibibyte}, Size{"16MiB", 16 * kKibibyte * kKibibyte}}) {
+    const auto note = [bytes = each.bytes](benchmark::State& state) {
+      orbbench::size(state, static_cast<double>(bytes));
+    };
+    const std::string suffix = "/" + kind + "/" + each.name + "/ours";
+    const std::string text = text_of(each.bytes);
+    add("utf8_to_wide" + suffix, utf8_to_wide, text, note);
+    add("utf8_to_wide_string" + suffix, ansi_to_wide, text, note);
+    add("wide_to_utf8" + suffix, wide_to_utf8, text, note);
+    add("wide_to_utf8_string" + suffix, wide_to_ansi, text, note);
   }
 }
 
-}  // namespace
+const bool added = [] {
+  add_text("16B", "C:/Program Files", 0.2, 0.2);
+  add_text("1KiB_ascii", ascii(1024), 0.4, 0.45, 0.1);
+  add_text("1KiB_mixed", mixed(1024), 0.7, 0.7);
+  add_series("ascii", ascii);
+  add_series("mixed", mixed);
+  return true;
+}();
 
-int main(int argc, char** argv) {
-  const orbbench::SecondThread second;
-  register_all();
-  benchmark::Initialize(&argc, argv);
-  if (benchmark::ReportUnrecognizedArguments(argc, argv)) return 1;
-  benchmark::RunSpecifiedBenchmarks();
-  benchmark::Shutdown();
-  return 0;
-}
+}  // namespace

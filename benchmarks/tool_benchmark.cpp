@@ -10,6 +10,7 @@
 #include <string>
 #include <vector>
 
+#include "benchmarks/family.h"
 #include "tests/support/peak_memory.h"
 
 namespace {
@@ -36,7 +37,7 @@ void spawn(benchmark::State& state, const std::vector<const char*>& words, doubl
   for (auto _ : state) {
     if (!run(words)) state.SkipWithError("the program failed");
   }
-  if (goal_ns > 0) state.counters["goal_ns"] = goal_ns;
+  if (goal_ns > 0) orbbench::goal(state, "goal_ns", goal_ns);
 }
 
 void peak(benchmark::State& state, const std::vector<const char*>& words, double goal_bytes) {
@@ -45,8 +46,8 @@ void peak(benchmark::State& state, const std::vector<const char*>& words, double
     bytes = double(orbtest::peak_resident_kib({words.begin(), words.end()})) * 1024;
   }
   if (bytes == 0) state.SkipWithError("the program failed, or cannot be traced");
-  state.counters["peak_bytes"] = bytes;
-  state.counters["goal_bytes"] = goal_bytes;
+  orbbench::goal(state, "peak_bytes", bytes);
+  orbbench::goal(state, "goal_bytes", goal_bytes);
 }
 
 BENCHMARK_CAPTURE(spawn, report, {ORBPROPS_TOOL}, 3 * kMillisecond)->UseRealTime();
@@ -59,5 +60,3 @@ BENCHMARK_CAPTURE(spawn, empty_program, {"/bin/true"}, 0)->UseRealTime();
 BENCHMARK_CAPTURE(peak, report, {ORBPROPS_TOOL}, 6 * kMebibyte)->UseRealTime();
 
 }  // namespace
-
-BENCHMARK_MAIN();

@@ -1,12 +1,13 @@
 #!/usr/bin/env bash
 # scripts/bench.sh [--quick] [FAMILY]: runs the benchmarks, prints their medians and writes them to
-# docs/benchmarks.md; a family alone (fileutil names its four), or a quick look at fewer and shorter
-# runs, writes nothing.
+# docs/benchmarks.md, with a plot for each family in docs/plots; a family alone (fileutil names its
+# four), or a quick look at fewer and shorter runs of what is not large, writes nothing.
 set -euo pipefail
 cd "$(dirname "$0")/.."
-repetitions=9 least_seconds=0.05 quick=
+repetitions=9 least_seconds=0.05 filter=. quick=
 if [ "${1:-}" = --quick ]; then
-  repetitions=3 least_seconds=0.005 quick=yes
+  repetitions=3 least_seconds=0.002 quick=yes
+  filter='-/(10000|100000|1000000|10000_files|100000_files|100_interfaces|8MiB|16MiB|64MiB|wake_[0-9]+)/'
   shift
 fi
 case ${1:-} in
@@ -20,17 +21,23 @@ done | sort)
 [ -n "$programs" ] || { echo "bench: there is no family '$1'" >&2; exit 2; }
 results=build/bench/${quick:+quick_}results
 mkdir -p "$results"
+pages=()
 for program in $programs; do
   name=$(basename "$program" _benchmark)
   echo "== $name" >&2
   "$program" --benchmark_repetitions="$repetitions" --benchmark_report_aggregates_only=true \
     --benchmark_min_time="$least_seconds" --benchmark_enable_random_interleaving=true \
-    --benchmark_out="$results/$name.json" --benchmark_out_format=json >&2
+    --benchmark_filter="$filter" \
+    --benchmark_out="$results/$name.json" --benchmark_out_format=json >"$results/$name.log" ||
+    { cat "$results/$name.log" >&2; exit 1; }
+  pages+=("$results/$name.json")
 done
-pages=()
-for program in $programs; do pages+=("$results/$(basename "$program" _benchmark).json"); done
 if [ -n "${1:-}$quick" ]; then
-  python3 scripts/bench_table.py "${pages[@]}"
-else
-  python3 scripts/bench_table.py "${pages[@]}" | tee docs/benchmarks.md
+  exec python3 scripts/bench_table.py "${pages[@]}"
 fi
+python3 scripts/bench_table.py --notes benchmarks/notes.md --plots plots "${pages[@]}" |
+  tee docs/benchmarks.md
+# The distribution's Python has its plotting library, whatever else is called python3 here.
+plotter=python3
+python3 -c 'import matplotlib' 2>/dev/null || plotter=/usr/bin/python3
+"$plotter" scripts/bench_plot.py docs/plots "${pages[@]}"

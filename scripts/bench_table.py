@@ -1,29 +1,13 @@
 #!/usr/bin/env python3
 # scripts/bench_table.py: the medians of Google Benchmark's JSON files as a Markdown page.
-"""Usage: bench_table.py RESULT.json...
+"""Usage: bench_table.py [--notes FILE] [--plots FOLDER] RESULT.json...
 
-A row named OPERATION/ours stands beside the rows OPERATION/PEER of the same file. These counters
-of our row are goals, and the table says whether the medians met them:
-
-  goal_ratio, goal_ratio_PEER   largest ratio of our time to the peer's; the plain one holds for
-                                every peer that has none of its own
-  stretch_ratio[_PEER]          a ratio to hope for, beside the goal
-  goal_ns                       limit of our time in nanoseconds
-  goal_worst_ns                 limit of the counter "worst_ns"
-  goal_bytes                    limit of the counter "peak_bytes"
-
-A benchmark that runs in several threads gives its counters with Counter::kAvgThreads.
+--notes appends a file, --plots names the folder of FAMILY.svg as seen from the page. How rows and
+their goals are named stands in bench_results.py.
 """
-import json
-import os
-import re
-import sys
+import argparse
 
-OURS = ("ours", "orbcommon")
-UNITS = {"ns": 1, "us": 1e3, "ms": 1e6, "s": 1e9}
-MEASURED_HOW = re.compile(
-    r"/(real_time|manual_time|process_time|(iterations|repeats|min_time|min_warmup_time):[^/]*)$")
-THREADS = re.compile(r"/threads:(\d+)$")
+from bench_results import Family, ORDER_TOLERANCE, OURS, UNITS
 
 
 def duration(nanoseconds):
@@ -35,30 +19,6 @@ def duration(nanoseconds):
 
 def mebibytes(count):
     return f"{count / 2**20:.3g} MiB"
-
-
-class Run:
-    """One benchmark's median: its operation, who ran it, its time and its counters."""
-
-    def __init__(self, result):
-        name, suffix = result["run_name"], ""
-        threads = THREADS.search(name)
-        if threads:
-            name = name[:threads.start()]
-            suffix = f", {threads[1]} threads" if threads[1] != "1" else ", 1 thread"
-        while MEASURED_HOW.search(name):
-            name = MEASURED_HOW.sub("", name)
-        self.name = name + suffix
-        operation, _, self.who = name.rpartition("/")
-        self.operation = operation + suffix
-        self.time = result["real_time"] * UNITS[result["time_unit"]]
-        self.counters = result
-
-
-def medians(path):
-    with open(path, encoding="utf-8") as file:
-        result = json.load(file)
-    return [Run(run) for run in result["benchmarks"] if run.get("aggregate_name") == "median"]
 
 
 def verdict(value, limit):
@@ -78,14 +38,10 @@ def absolute_goals(run):
             yield ours, text(counters[goal]), verdict(value, counters[goal])
 
 
-def ratio_goal(counters, kind, peer):
-    return counters.get(f"{kind}_ratio_{peer}", counters.get(f"{kind}_ratio"))
-
-
 def ratio_row(ours, peer):
     ratio = ours.time / peer.time
-    goal = ratio_goal(ours.counters, "goal", peer.who)
-    stretch = ratio_goal(ours.counters, "stretch", peer.who)
+    goal = ours.goal_ratio(peer.who)
+    stretch = ours.goal_ratio(peer.who, "stretch")
     words, result = [], []
     if goal is not None:
         words.append(f"{goal:g} x")
@@ -98,11 +54,13 @@ def ratio_row(ours, peer):
             ", ".join(result))
 
 
-def operation_rows(ours, peers):
+def operation_rows(operation):
     """The lines of one operation: its absolute goals, then every peer, then peers left out."""
+    ours, peers = operation.ours, operation.peers
+    name = ours.operation if ours.who == OURS else ours.name
     absolute = list(absolute_goals(ours))
     for text, goal, result in absolute:
-        yield (ours.operation, text, "", "", goal, result)
+        yield (name, text, "", "", goal, result)
     for peer in peers:
         yield ratio_row(ours, peer)
     left_out = sorted(each.removeprefix("goal_ratio_") for each in ours.counters
@@ -111,45 +69,77 @@ def operation_rows(ours, peers):
         left_out.append("")
     for who in left_out:
         if who not in {peer.who for peer in peers}:
-            goal = f"{ratio_goal(ours.counters, 'goal', who):g} x"
-            yield (ours.operation, duration(ours.time), who, "", goal, "not measured")
+            yield (name, duration(ours.time), who, "", f"{ours.goal_ratio(who):g} x",
+                   "not measured")
     if not peers and not absolute and not left_out:
-        yield (ours.operation, duration(ours.time), "", "", "", "")
+        yield (name, duration(ours.time), "", "", "", "")
 
 
-def alone_rows(run):
-    """The lines of a benchmark that is one of no operation of ours."""
-    absolute = list(absolute_goals(run))
-    for text, goal, result in absolute:
-        yield (run.name, text, "", "", goal, result)
-    if not absolute:
-        yield (run.name, duration(run.time), "", "", "", "")
+def growth_rows(family):
+    for series in family.all_series():
+        ours = series.runs[OURS]
+        peers = ", ".join(f"{who} {series.order(who):.2f}" for who in sorted(series.runs)
+                          if who != OURS and len(series.runs[who]) > 1)
+        yield (series.name,
+               ", ".join(f"{run.size_name()} {duration(run.time)}" for run in ours),
+               f"{series.order(OURS):.2f}", peers, f"{series.goal():g}",
+               "met" if series.is_met() else "MISSED")
 
 
-def rows(runs):
-    ours = {run.operation: run for run in runs if run.who in OURS}
-    for run in sorted(runs, key=lambda each: each.name):
-        if run.operation not in ours:
-            yield from alone_rows(run)
-        elif run is ours[run.operation]:
-            peers = [each for each in runs if each.operation == run.operation and each is not run]
-            yield from operation_rows(run, sorted(peers, key=lambda each: each.who.lower()))
+def print_rows(heads, rows):
+    print("| " + " | ".join(heads) + " |\n" + "|---" * len(heads) + "|")
+    for row in rows:
+        print("| " + " | ".join(cell.replace("|", "\\|") for cell in row) + " |")
+
+
+def print_summary(tables):
+    """`tables` are pairs of a family's name and its rows, whose last cells are verdicts."""
+    verdicts = [(family, row) for family, rows in tables for row in rows
+                if row[-1].startswith(("met", "MISSED"))]
+    missed = [(family, row) for family, row in verdicts if row[-1].startswith("MISSED")]
+    unmeasured = [(family, row) for family, rows in tables for row in rows
+                  if row[-1] == "not measured"]
+    print(f"\nOf {len(verdicts)} goals {len(verdicts) - len(missed)} are met.")
+    for text, rows in (("Missed", missed), ("Without its peer here", unmeasured)):
+        for family, row in rows:
+            print(f"- {text}: {family}, {row[0]} {row[2]}".rstrip())
 
 
 def main():
-    families = {path: medians(path) for path in sys.argv[1:]}
-    repetitions = {run.counters["repetitions"] for runs in families.values() for run in runs}
-    count = "-".join(str(each) for each in sorted(repetitions))
+    parser = argparse.ArgumentParser()
+    parser.add_argument("--notes")
+    parser.add_argument("--plots")
+    parser.add_argument("results", nargs="+")
+    arguments = parser.parse_args()
+    families = [family for family in map(Family, arguments.results) if family.runs]
+    count = "-".join(str(each) for each in sorted(
+        {run.counters["repetitions"] for family in families for run in family.runs}))
+    context = families[0].context
     print("# Benchmarks\n")
-    print(f"Medians of {count} interleaved repetitions, wall clock; `./dev bench` measures anew and "
-          "writes this page. A ratio is our time to the peer's.")
-    for path, runs in families.items():
-        if not runs:
-            continue
-        print(f"\n## {os.path.basename(path).removesuffix('.json')}\n")
-        print("| operation | ours | peer | ratio | goal | |\n|---|---|---|---|---|---|")
-        for row in rows(runs):
-            print("| " + " | ".join(cell.replace("|", "\\|") for cell in row) + " |")
+    print(f"Medians of {count} interleaved repetitions, wall clock, on {context['num_cpus']} "
+          f"processors of {context['mhz_per_cpu'] / 1000:.1f} GHz, a second thread parked beside "
+          "each measurement; `./dev bench` measures anew and writes this page. A ratio is our time "
+          "to the peer's.")
+    tables = [(family.name, [row for each in family.operations() for row in operation_rows(each)])
+              for family in families]
+    growth = [(family.name, list(growth_rows(family))) for family in families]
+    print_summary(tables + growth)
+    for family, (name, rows), (_, grown) in zip(families, tables, growth):
+        print(f"\n## {name}\n")
+        if arguments.plots:
+            print(f"![{name}: ratios to the peers, and growth]({arguments.plots}/{name}.svg)\n")
+        print_rows(("operation", "ours", "peer", "ratio", "goal", "met or missed"), rows)
+        if grown:
+            print("\nHow its cost grows: the order is the power of the size that fits the upper "
+                  "half of the sizes best; it may be above its goal by "
+                  f"{ORDER_TOLERANCE:g}, for logarithms and caches.\n")
+            print_rows(("operation", "ours by size", "order", "peers' orders", "goal",
+                        "met or missed"), grown)
+        for failed in family.failed:
+            print(f"\nNot measured: {failed}")
+    if arguments.notes:
+        with open(arguments.notes, encoding="utf-8") as file:
+            print("\n" + file.read(), end="")
 
 
 main()

@@ -17,28 +17,45 @@ std::string times(int count, const char* text) {
 }
 
 struct Pair {
-  const char* name;
+  std::string name;
   std::string pattern, text;
-  double goal_ratio_apr;  // 0 for none
-  double goal_ns;         // 0 for none
+  double goal_ratio_apr = 0;  // 0 for none
+  double goal_ns = 0;         // 0 for none
+  double size = 0;            // bytes of the longer text of a series, 0 outside one
+  double order = kLinear;
 };
 
-// The last four are longer than any file name.
-const std::vector<Pair>& pairs() {
-  static const std::vector<Pair> kPairs = {
-      {"0_suffix", "*.txt", "report-2024-03-final.txt", 0.8, 0},
-      {"1_words", "rep*2024*.t?t", "report-2024-03-final.txt", 0.8, 0},
-      {"2_four_stars", times(4, "a*") + "b", times(63, "a") + "c", 0, 0},
-      {"3_twelve_stars", times(12, "a*") + "b", times(254, "a") + "c", 3, 0},
-      {"forty_stars", times(40, "a*") + "b", times(250, "a") + "c", 0, 100e3},
-      {"130_stars", times(130, "a*"), times(260, "a") + "c", 0, 100e3},
-      {"half_of_260", "*" + times(129, "a") + "b", times(260, "a"), 0, 100e3},
-      {"half_of_260_questions", "*" + times(64, "?a") + "b", times(260, "a"), 0, 100e3},
-      {"4KiB_same", times(4096, "a"), times(4096, "a"), 0, 0},
-      {"4KiB_stars", times(2048, "a*"), times(4096, "a") + "c", 0, 0},
-      {"4KiB_half", "*" + times(2047, "a") + "b", times(4096, "a"), 0, 0},
-      {"4KiB_half_questions", "*" + times(1023, "?a") + "b", times(4096, "a"), 0, 0},
+// Texts of `bytes`, longer than any file name in the end: equal ones, a pattern that is stars by
+// half, and a segment of half the name that fits nowhere, without and with question marks.
+void add_series(std::vector<Pair>* pairs, int bytes) {
+  const std::string all(bytes, 'a');
+  const auto add = [&](const char* kind, const std::string& pattern, const std::string& text,
+                       double order = kLinear) {
+    pairs->push_back({std::string(kind) + "/" + std::to_string(bytes), pattern, text, 0, 0,
+                      static_cast<double>(bytes), order});
   };
+  constexpr double kSquare = 2;
+  add("same", all, all);
+  add("stars", times(bytes / 2, "a*"), all + "c");
+  add("half", "*" + std::string(bytes / 2 - 1, 'a') + "b", all);
+  add("half_questions", "*" + times(bytes / 4 - 1, "?a") + "b", all, kSquare);
+}
+
+const std::vector<Pair>& pairs() {
+  static const std::vector<Pair> kPairs = [] {
+    std::vector<Pair> made = {
+        {"0_suffix", "*.txt", "report-2024-03-final.txt", 0.8},
+        {"1_words", "rep*2024*.t?t", "report-2024-03-final.txt", 0.8},
+        {"2_four_stars", times(4, "a*") + "b", times(63, "a") + "c"},
+        {"3_twelve_stars", times(12, "a*") + "b", times(254, "a") + "c", 3},
+        {"forty_stars", times(40, "a*") + "b", times(250, "a") + "c", 0, 100e3},
+        {"130_stars", times(130, "a*"), times(260, "a") + "c", 0, 100e3},
+        {"half_of_260", "*" + times(129, "a") + "b", times(260, "a"), 0, 100e3},
+        {"half_of_260_questions", "*" + times(64, "?a") + "b", times(260, "a"), 0, 100e3},
+    };
+    for (const int bytes : {64, 128, 256, 512, 1024, 2048, 4096}) add_series(&made, bytes);
+    return made;
+  }();
   return kPairs;
 }
 
@@ -59,10 +76,11 @@ void add_matches(const char* who, Match match, bool ours) {
   for (const Pair& pair : pairs()) {
     const auto run = [=, &pair](benchmark::State& state) {
       for (auto _ : state) benchmark::DoNotOptimize(match(pair.pattern.c_str(), pair.text.c_str()));
-      if (ours && pair.goal_ratio_apr != 0) state.counters["goal_ratio_APR"] = pair.goal_ratio_apr;
-      if (ours && pair.goal_ns != 0) state.counters["goal_ns"] = pair.goal_ns;
+      if (ours && pair.goal_ratio_apr != 0) goal(state, "goal_ratio_APR", pair.goal_ratio_apr);
+      if (ours && pair.goal_ns != 0) goal(state, "goal_ns", pair.goal_ns);
+      if (pair.size != 0) size(state, pair.size, pair.order);
     };
-    benchmark::RegisterBenchmark((std::string("wildcard/") + pair.name + "/" + who).c_str(), run);
+    benchmark::RegisterBenchmark(("wildcard/" + pair.name + "/" + who).c_str(), run);
   }
 }
 

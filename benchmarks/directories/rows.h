@@ -1,7 +1,7 @@
 // benchmarks/directories/rows.h: the measured loops of searches and matches, for us and each peer.
 #pragma once
 
-#include <benchmark/benchmark.h>
+#include "benchmarks/family.h"
 
 namespace orbbench {
 

@@ -93,8 +93,8 @@ long plain_search(const char* path) {
 }
 
 void our_goals(benchmark::State& state) {
-  state.counters["goal_ratio_WinPR"] = 1.0;
-  state.counters["stretch_ratio_WinPR"] = 0.8;
+  goal(state, "goal_ratio_WinPR", 1.0);
+  goal(state, "stretch_ratio_WinPR", 0.8);
 }
 
 const bool added = [] {
@@ -117,6 +117,7 @@ void add_searches(const char* who, Search search, Goals goals) {
             state.SkipWithError("not all entries were found");
           for (auto _ : state) benchmark::DoNotOptimize(search(path.c_str()));
           if (goals != nullptr) goals(state);
+          size(state, static_cast<double>(entries));
         };
         benchmark::RegisterBenchmark(name.c_str(), run);
       }

@@ -1,13 +1,11 @@
 // benchmarks/identifiers/ours.cpp: GUIDs and time stamps, and the plain form of a stamp.
-//
-// A name is operation/case/who; a peer whose package is missing has no rows.
 #include <benchmark/benchmark.h>
 
 #include <cstdio>
 #include <cstdlib>
 #include <ctime>
 
-#include "benchmarks/second_thread.h"
+#include "benchmarks/family.h"
 #include "fileutil/guid.h"
 #include "fileutil/platformmatch.h"
 #include "fileutil/timestamp.h"
@@ -20,8 +18,8 @@ void guid(benchmark::State& state) {
     voxCoCreateGuid(&made);
     benchmark::DoNotOptimize(made);
   }
-  state.counters["goal_ratio_POCO"] = 1.0;
-  state.counters["goal_ratio_libuuid"] = 0.02;
+  orbbench::goal(state, "goal_ratio_POCO", 1.0);
+  orbbench::goal(state, "goal_ratio_libuuid", 0.02);
 }
 BENCHMARK(guid)->Name("guid/create/ours");
 
@@ -32,15 +30,15 @@ void guid_text(benchmark::State& state) {
     voxcomn_create_guid(&made, text, sizeof text);
     benchmark::DoNotOptimize(text);
   }
-  state.counters["goal_ratio_POCO"] = 1.0;
-  state.counters["goal_ratio_libuuid"] = 0.02;
+  orbbench::goal(state, "goal_ratio_POCO", 1.0);
+  orbbench::goal(state, "goal_ratio_libuuid", 0.02);
 }
 BENCHMARK(guid_text)->Name("guid/create_text/ours");
 
 void stamp(benchmark::State& state) {
   for (auto _ : state) benchmark::DoNotOptimize(quillon_com::orb::voxcomn_get_time_stamp_ansi());
-  state.counters["goal_ratio_localtime_snprintf"] = 1.5;
-  state.counters["goal_ratio_POCO"] = 0.15;
+  orbbench::goal(state, "goal_ratio_localtime_snprintf", 1.5);
+  orbbench::goal(state, "goal_ratio_POCO", 0.15);
 }
 BENCHMARK(stamp)->Name("stamp/dashed/ours");
 
@@ -98,12 +96,3 @@ void platform_match(benchmark::State& state) {
 BENCHMARK(platform_match)->Name("platform_match/third_entry/ours");
 
 }  // namespace
-
-int main(int argc, char** argv) {
-  const orbbench::SecondThread second;
-  benchmark::Initialize(&argc, argv);
-  if (benchmark::ReportUnrecognizedArguments(argc, argv)) return 1;
-  benchmark::RunSpecifiedBenchmarks();
-  benchmark::Shutdown();
-  return 0;
-}

@@ -6,42 +6,22 @@
 #include "benchmarks/portability/rows.h"
 #include "portability/Linklist.h"
 #include "portability/selock.h"
-#include "portability/threads.h"
+#include "tests/support/attached.h"
 
 namespace {
 
 using namespace orbbench;
 
-// The process's slot and this thread's event, for a scope. The end of a thread of ours takes the
-// slot away, so that no benchmark may rely on another's.
-class Attached {
- public:
-  Attached() {
-    vxSO_ProcessAttach();
-    vxSO_ThreadAttach();
-  }
-  ~Attached() {
-    vxSO_ThreadDetach();
-    vxSO_ProcessDetach();
-  }
-  Attached(const Attached&) = delete;
-  Attached& operator=(const Attached&) = delete;
-};
-
 class OurLock {
  public:
-  OurLock() { vxSO_SELockCreate(&lock_); }
-  ~OurLock() { vxSO_Release(lock_); }
-  OurLock(const OurLock&) = delete;
-  OurLock& operator=(const OurLock&) = delete;
-  void shared() { vxSO_SELockSharedWaitForExclusive(lock_, 1); }
-  void leave_shared() { vxSO_SELockRelease(lock_); }
-  void exclusive() { vxSO_SELockExclusive(lock_, 1); }
-  void leave_exclusive() { vxSO_SELockRelease(lock_); }
+  void shared() { vxSO_SELockSharedWaitForExclusive(lock_.get(), 1); }
+  void leave_shared() { vxSO_SELockRelease(lock_.get()); }
+  void exclusive() { vxSO_SELockExclusive(lock_.get(), 1); }
+  void leave_exclusive() { vxSO_SELockRelease(lock_.get()); }
 
  private:
-  Attached attached_;
-  _vxSELock_t* lock_ = nullptr;
+  orbtest::Attached attached_;
+  orbtest::Lock lock_;
 };
 
 class PthreadLock {
@@ -83,10 +63,7 @@ BENCHMARK(our_three_deep)->Name("selock/exclusive_3_deep/ours");
 // A thread's entries into one lock of two threads.
 struct OurParty {
   static inline _vxSELock_t* lock = nullptr;
-  OurParty() { vxSO_ThreadAttach(); }
-  ~OurParty() { vxSO_ThreadDetach(); }
-  OurParty(const OurParty&) = delete;
-  OurParty& operator=(const OurParty&) = delete;
+  orbtest::AttachedThread attached;
   void operator()() const {
     vxSO_SELockExclusive(lock, 1);
     vxSO_SELockRelease(lock);
@@ -127,7 +104,7 @@ void our_list(benchmark::State& state) {
   };
   goal(state, "goal_ratio_Boost", 5);
   goal(state, "goal_ratio_WinPR_queue", 0.25);
-  const Attached attached;
+  const orbtest::Attached attached;
   _vxSLL2_t* list = nullptr;
   vxSLL2_Create(&list);
   Item item{};

@@ -7,7 +7,7 @@
 namespace orbbench {
 namespace {
 
-pthread_mutex_t word_mutex = PTHREAD_MUTEX_INITIALIZER;
+alignas(kCacheLine) pthread_mutex_t word_mutex = PTHREAD_MUTEX_INITIALIZER;
 
 timespec deadline_after(long milliseconds) {
   timespec deadline{};

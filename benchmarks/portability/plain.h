@@ -7,6 +7,8 @@
 
 namespace orbbench {
 
+constexpr int kCacheLine = 128;  // bytes, the longest of the processors in use
+
 // A manual-reset event: a heap record with one mutex and one condition.
 struct Form {
   pthread_mutex_t mutex;

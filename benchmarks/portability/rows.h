@@ -5,21 +5,17 @@
 // where kEndless has no end. A Lock has shared(), leave_shared(), exclusive(), leave_exclusive().
 #pragma once
 
-#include <benchmark/benchmark.h>
 #include <sys/resource.h>
 
 #include <atomic>
 #include <chrono>
 #include <thread>
 
+#include "benchmarks/family.h"
+
 namespace orbbench {
 
 constexpr long kEndless = -1;
-
-// A counter that scripts/bench_table.py reads.
-inline void goal(benchmark::State& state, const char* name, double value) {
-  state.counters[name] = value;
-}
 
 template <class Event>
 void create_close(benchmark::State& state) {

@@ -71,8 +71,9 @@ void pthread_tls(benchmark::State& state) {
 }
 BENCHMARK(pthread_tls)->Name("tls/set_get/pthread");
 
-// The interlocked operations and their plain versions, on one word of all threads.
-long word = 0;
+// The interlocked operations and their plain versions, on one word of all threads. It shares its
+// cache line with nothing that an operation reads.
+alignas(kCacheLine) long word = 0;
 
 struct Increment {
   void operator()() const { benchmark::DoNotOptimize(voxInterlockedIncrement(&word)); }

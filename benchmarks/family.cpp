@@ -1,13 +1,12 @@
-// benchmarks/second_thread.h: keeps a second thread alive while a benchmark runs.
-#pragma once
+// benchmarks/family.cpp: the run of a family beside a second thread.
+#include "benchmarks/family.h"
 
 #include <future>
 #include <thread>
 
 namespace orbbench {
+namespace {
 
-// A process with one thread pays a third of the C library's price for a lock; no host process of
-// the library has only one.
 class SecondThread {
  public:
   SecondThread() : thread_([done = done_.get_future()]() mutable { done.wait(); }) {}
@@ -22,5 +21,16 @@ class SecondThread {
   std::promise<void> done_;
   std::thread thread_;
 };
+
+}  // namespace
+
+int run_family(int argc, char** argv) {
+  const SecondThread second;
+  benchmark::Initialize(&argc, argv);
+  if (benchmark::ReportUnrecognizedArguments(argc, argv)) return 1;
+  benchmark::RunSpecifiedBenchmarks();
+  benchmark::Shutdown();
+  return 0;
+}
 
 }  // namespace orbbench
