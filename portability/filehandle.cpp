@@ -60,7 +60,8 @@ _voxFileRecord_t* file_of(void* handle) {
 
 // The file record of a handle; null, with 22 in nErrno, when there is none.
 _voxFileRecord_t* checked_file(void* handle) {
-  const bool none = handle == nullptr || handle == no_handle();
+  const bool none = handle == nullptr || handle == no_handle() ||
+                    static_cast<_voxHandleObject_t*>(handle)->kind != HANDLE_TYPE_FILE;
   _voxFileRecord_t* file = none ? nullptr : file_of(handle);
   if (file == nullptr) store_error(kErrInvalid);
   return file;

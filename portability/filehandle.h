@@ -35,8 +35,8 @@ ORB_EXPORT _voxHandleObject_t* voxCreateFileAW(const char* path, uint32_t access
 
 // Reads once, up to `length` bytes, into `buffer` and stores their count in `*bytesRead`, which
 // must not be null; 0 bytes mark the end of the file and are a success. `overlapped` is ignored. A
-// null or all-ones handle or one without file record stores 22 in nErrno and gives 0; a failing
-// read gives 0.
+// null or all-ones handle, one of another kind or one without file record stores 22 in nErrno and
+// gives 0; a failing read gives 0.
 ORB_EXPORT int voxReadFile(void* handle, void* buffer, uint32_t length, uint32_t* bytesRead,
                            void* overlapped);
 
@@ -56,9 +56,9 @@ ORB_EXPORT int64_t voxSetFilePointer(void* handle, int64_t distance, int32_t* di
 // Quirk: the position is kept in 32 signed bits: from 2 GiB on it is cut.
 ORB_EXPORT int voxSetEndOfFile(void* handle);
 
-// Returns the size in bytes, -1 on failure: for a null or all-ones handle or one without file
-// record with 22 in nErrno, else with errno as the system left it. Quirk: `*high`, when `high` is
-// not null, receives the size divided by 65535, on success alone.
+// Returns the size in bytes, -1 on failure: for a handle that voxReadFile refuses with 22 in
+// nErrno, else with errno as the system left it. Quirk: `*high`, when `high` is not null, receives
+// the size divided by 65535, on success alone.
 ORB_EXPORT int64_t voxGetFileSize(void* handle, uint32_t* high);
 
 // Makes a new empty file in `directory`, its name `prefix` (which may be null) and six random

@@ -13,6 +13,7 @@
 #include <filesystem>
 #include <string>
 
+#include "tests/portability/handle_scope.h"
 #include "tests/support/faults.h"
 #include "tests/support/temp_dir.h"
 
@@ -256,24 +257,31 @@ TEST_F(FileHandle, ReadsAndWritesOnce) {
 TEST_F(FileHandle, HandlesWithoutFileRecordStore22) {
   char byte = 0;
   uint32_t count = 7;
-  _voxHandleObject_t* event = voxCreateEvent(nullptr, 1, 0, nullptr);
-  auto* all_ones = reinterpret_cast<_voxHandleObject_t*>(intptr_t{-1});
-  for (_voxHandleObject_t* handle : {static_cast<_voxHandleObject_t*>(nullptr), all_ones, event}) {
+  const orbtest::Handle event = orbtest::make_event();
+  const orbtest::Handle mutex = orbtest::make_mutex();
+  const struct {
+    const char* name;
+    void* handle;
+  } cases[] = {{"null", nullptr},
+               {"all ones", reinterpret_cast<void*>(intptr_t{-1})},
+               {"an event, which has no payload", event.get()},
+               {"a mutex, whose payload is no file record", mutex.get()}};
+  for (const auto& each : cases) {
+    SCOPED_TRACE(each.name);
     nErrno = 0;
-    EXPECT_EQ(0, voxReadFile(handle, &byte, 1, &count, nullptr));
+    EXPECT_EQ(0, voxReadFile(each.handle, &byte, 1, &count, nullptr));
     EXPECT_EQ(22, nErrno);
     nErrno = 0;
-    EXPECT_EQ(0, voxWriteFile(handle, &byte, 1, &count, nullptr));
+    EXPECT_EQ(0, voxWriteFile(each.handle, &byte, 1, &count, nullptr));
     EXPECT_EQ(22, nErrno);
     nErrno = 0;
-    EXPECT_EQ(-1, voxGetFileSize(handle, &count));
+    EXPECT_EQ(-1, voxGetFileSize(each.handle, &count));
     EXPECT_EQ(22, nErrno);
     nErrno = 0;
-    EXPECT_EQ(0, voxSetEndOfFile(handle));
+    EXPECT_EQ(0, voxSetEndOfFile(each.handle));
     EXPECT_EQ(22, nErrno);
   }
   EXPECT_EQ(7u, count);
-  EXPECT_EQ(1, voxCloseHandle(event));
 }
 
 TEST_F(FileHandle, PointerMovesByMethod) {
