@@ -6,6 +6,8 @@
 
 #include <atomic>
 #include <chrono>
+#include <cstddef>
+#include <cstdlib>
 #include <thread>
 #include <vector>
 
@@ -153,6 +155,37 @@ TEST(BeginThread, WithoutARoutineIsABadArgument) {
   EXPECT_EQ(word.stored(), 22);
   EXPECT_EQ(id, 77u);
   EXPECT_EQ(voxCreateThread(nullptr, 0, nullptr, &id, 0, &id), nullptr);
+}
+
+// The documented fields of what a thread is started with.
+struct StartRecord {
+  pthread_mutex_t* guard;
+  pthread_cond_t* condition;
+  int32_t* signalled;
+  voxThreadRoutine routine;
+  void* argument;
+};
+
+TEST(BeginThread, FillsTheStartRecordThatTheLinkPointsInto) {
+  Handle gate = make_event();
+  Handle thread(begin(wait_for_event, gate.get()));
+  const auto* record = reinterpret_cast<const StartRecord*>(
+      reinterpret_cast<char*>(thread->threadLink) - offsetof(StartRecord, signalled));
+  EXPECT_EQ(record->guard, &thread->guard);
+  EXPECT_EQ(record->condition, &thread->condition);
+  EXPECT_EQ(record->signalled, &thread->signalled);
+  EXPECT_EQ(record->routine, wait_for_event);
+  EXPECT_EQ(record->argument, gate.get());
+  EXPECT_EQ(voxSetEvent(gate.get()), 1);
+  EXPECT_EQ(voxWaitForSingleObject(thread.get(), INFINITE), kSignalled);
+}
+
+TEST(ThreadBody, GivesTheRoutinesResultAndNeverTouchesAHandleClosedBefore) {
+  int argument = 0;
+  auto* record = static_cast<StartRecord*>(malloc(sizeof(StartRecord)));
+  *record = {nullptr, nullptr, &bDummyThreadSignalled, return_at_once, &argument};
+  EXPECT_EQ(voxThreadJuggle(record), &argument);
+  EXPECT_EQ(bDummyThreadSignalled, 1);
 }
 
 TEST(CreateThread, GivesNullWhenNoThreadBegins) {
