@@ -6,6 +6,7 @@
 #include <cstdlib>
 #include <cstring>
 
+#include "portability/cancellation.h"
 #include "portability/dynlibparts.h"
 #include "portability/forks.h"
 #include "portability/handleparts.h"
@@ -167,6 +168,7 @@ void* voxLoadLibrary(const char* path, char** errorText) {
     store_error(kErrInvalid);
     return nullptr;
   }
+  const CancellationShield shield;
   const Hold hold(MutexDynamicLibraryList);
   if (!hold) {
     store_error(kErrBusy);
@@ -181,6 +183,7 @@ int voxFreeLibrary(void* library) {
     store_error(kErrInvalid);
     return 0;
   }
+  const CancellationShield shield;
   const Hold hold(MutexDynamicLibraryList);
   if (!hold) {
     store_error(kErrBusy);

@@ -1,9 +1,10 @@
 // portability/dynlib.h: Windows-style loading of shared libraries.
 //
 // Loads and releases of all threads are serialised by one lock, and a library's entry point runs
-// while it is held: it must not load or free libraries (the other functions it may call). The
-// message buffers are static, one per function, shared by all threads and overwritten by the next
-// call. Results are 1 for success and 0 for failure unless a comment says otherwise.
+// while it is held: it must not load or free libraries (the other functions it may call). A thread
+// is not cancelled while it loads or frees one. The message buffers are static, one per function,
+// shared by all threads and overwritten by the next call. Results are 1 for success and 0 for
+// failure unless a comment says otherwise.
 #pragma once
 
 #include <stdint.h>

@@ -5,6 +5,8 @@
 
 #include <ctime>
 
+#include "portability/cancellation.h"
+
 namespace quillon_com::orb::portability {
 namespace {
 
@@ -32,10 +34,12 @@ bool ForkPatience::wait() {
   constexpr int kNaps = 500;
   constexpr timespec kNap{0, 200'000};
   if (turns_ == kYields + kNaps) return false;
-  if (turns_++ < kYields)
+  if (turns_++ < kYields) {
     sched_yield();
-  else
+  } else {
+    const CancellationShield shield;
     nanosleep(&kNap, nullptr);
+  }
   return true;
 }
 

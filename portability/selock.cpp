@@ -4,6 +4,7 @@
 #include <cstdlib>
 
 #include "portability/Linklist.h"
+#include "portability/cancellation.h"
 #include "portability/handleparts.h"
 #include "portability/selockparts.h"
 #include "portability/threads.h"
@@ -66,6 +67,7 @@ int block(void** queue, intptr_t me, int wait, BriefSpinHold& hold) {
     voxResetEvent(event);
   }
   Waiter waiter{nullptr, me, process_id(), 1};
+  const CancellationShield shield;  // the queue names a record on this stack
   vxLL_XInsertHead(queue, &waiter);
   hold.release();
   sleep_until_granted(waiter);

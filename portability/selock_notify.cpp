@@ -2,6 +2,7 @@
 #include <cstdlib>
 
 #include "portability/Linklist.h"
+#include "portability/cancellation.h"
 #include "portability/selock.h"
 #include "portability/selockparts.h"
 #include "portability/threads.h"
@@ -37,6 +38,7 @@ void add_notification(_vxSELock_t* lock, vxSELockCallback callback, void* contex
 template <class Done>
 Notification* drop_first(_vxSELock_t* lock, Done done) {
   const Notifying notifying(lock);
+  const CancellationShield shield;
   void* previous = vxLL_XGetStart(&lock->notifyList);
   for (;;) {
     auto* notification = static_cast<Notification*>(vxLL_XGetNext(previous));

@@ -3,6 +3,7 @@
 
 #include <cstdint>
 
+#include "portability/cancellation.h"
 #include "portability/handles.h"
 #include "portability/selock.h"
 
@@ -15,7 +16,9 @@ constexpr useconds_t kSleeps[] = {0, 10'000, 100'000, 1'000'000};  // microsecon
 void back_off(uint32_t failed_try) {
   if (failed_try < kSpins) return;
   const uint32_t step = (failed_try - kSpins) / kTriesPerStep;
-  if (step < sizeof kSleeps / sizeof *kSleeps) usleep(kSleeps[step]);
+  if (step >= sizeof kSleeps / sizeof *kSleeps) return;
+  const quillon_com::orb::portability::CancellationShield shield;
+  usleep(kSleeps[step]);
 }
 
 }  // namespace

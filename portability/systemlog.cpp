@@ -1,6 +1,7 @@
 // portability/systemlog.cpp: one message to the system log per call.
 #include <syslog.h>
 
+#include "portability/cancellation.h"
 #include "portability/forks.h"
 #include "portability/signals.h"
 
@@ -17,6 +18,7 @@ portability::ProcessMutex open_log;
 
 bool vLogInSystemLog(int priority, const char* ident, const char* format, va_list arguments) {
   if (format == nullptr) return true;
+  const portability::CancellationShield shield;
   const portability::Hold hold(open_log);
   openlog(ident, LOG_CONS | LOG_NDELAY, LOG_USER);
   vsyslog(priority, format, arguments);

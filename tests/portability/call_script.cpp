@@ -1,6 +1,7 @@
 // tests/portability/call_script.cpp: what the linker puts before the scripted calls.
 #include "tests/portability/call_script.h"
 
+#include <pthread.h>
 #include <signal.h>
 #include <unistd.h>
 
@@ -38,7 +39,10 @@ long __wrap_voxInterlockedExchange(long* word, long value) {
 
 int __wrap_usleep(useconds_t microseconds) {
   if (script == nullptr) return __real_usleep(microseconds);
-  script->naps.push_back({script->tries, microseconds});
+  int state = -1, disabled = -1;
+  pthread_setcancelstate(PTHREAD_CANCEL_DISABLE, &state);
+  pthread_setcancelstate(state, &disabled);
+  script->naps.push_back({script->tries, microseconds, state});
   return 0;
 }
 

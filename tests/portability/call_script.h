@@ -30,6 +30,7 @@ class CallScript {
   struct Nap {
     size_t after_tries;
     unsigned microseconds;
+    int cancel_state;  // of the napping thread
   };
   std::vector<Nap> naps;  // usleep's, which return at once while a script lives
 
