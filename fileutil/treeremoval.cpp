@@ -38,6 +38,7 @@ class Entries {
   Entries(const Entries&) = delete;
   Entries& operator=(const Entries&) = delete;
 
+  bool are_searched() const { return stream_ != nullptr; }
   // Null at the end, and for a directory that could not be searched.
   const dirent* next() const { return stream_ == nullptr ? nullptr : readdir(stream_); }
   int descriptor() const { return dirfd(stream_); }
@@ -68,11 +69,14 @@ class Removal {
  public:
   explicit Removal(const char* directory) : path_(directory) {}
 
-  // Removes what the directory at the path holds; the path is the same again afterwards.
-  void empty() {
+  // Removes what the directory at the path holds; the path is the same again afterwards. False when
+  // the directory could not be searched.
+  bool empty() {
     const size_t length = path_.length();
+    bool searched = false;
     if (path_.append("/")) {
       const Entries entries(path_);
+      searched = entries.are_searched();
       while (const dirent* entry = entries.next()) {
         path_.cut(length + 1);
         const char* const name = name_of(entry);
@@ -80,6 +84,7 @@ class Removal {
       }
     }
     path_.cut(length);
+    return searched;
   }
 
   const char* path() const { return path_.text(); }
@@ -95,24 +100,25 @@ class Removal {
       unlinkat(folder, name, AT_REMOVEDIR);
     } else if (kind == Kind::link && fstatat(folder, name, &target, 0) == 0 &&
                S_ISDIR(target.st_mode)) {
-      if (is_new(target)) empty();
+      empty_once(target);
     } else {
       unlinkat(folder, name, 0);
     }
   }
 
-  // Notes the target of a link; false when it was noted before, or cannot be. Without this, a few
-  // links that lead to one another would open as many ways as there are ways to walk them.
-  bool is_new(const struct stat& target) {
+  // Empties the target of a link, which the path leads to, unless that is under way or done.
+  // Without this, a few links that lead to one another would open as many ways as there are ways to
+  // walk them. A target that could not be searched may yet be, from a level that is less deep.
+  void empty_once(const struct stat& target) {
     try {
-      return followed_.emplace(target.st_dev, target.st_ino).second;
-    } catch (const std::bad_alloc&) {
-      return false;
+      const auto [note, is_new] = emptied_.emplace(target.st_dev, target.st_ino);
+      if (is_new && !empty()) emptied_.erase(note);
+    } catch (const std::bad_alloc&) {  // not noted, and so not followed
     }
   }
 
   PathBuffer path_;
-  std::set<std::pair<dev_t, ino_t>> followed_;
+  std::set<std::pair<dev_t, ino_t>> emptied_;  // of the targets of links
 };
 
 }  // namespace

@@ -121,6 +121,22 @@ TEST_F(TreeLinks, QuirkALinkTakesASearchAsWell) {
   EXPECT_EQ(35, word_.stored());
 }
 
+TEST_F(TreeLinks, ATargetThatNoSearchWasLeftForIsEmptiedFromALevelLessDeep) {
+  folder_.write("target/file", "");
+  folder_.make_dir("tree/x");
+  folder_.make_dir("tree/y");
+  // The deep link stands in the folder that is worked on first.
+  const std::string first = fs::directory_iterator(path("tree"))->path().filename();
+  const std::string last = nest("tree/" + first, 48);
+  link(path("target"), last + "/link");
+  const std::string near = first == "x" ? "tree/y/link" : "tree/x/link";
+  link(path("target"), near);
+  remove("tree");
+  EXPECT_EQ(35, word_.stored()) << "the deep link is on the 50th level";
+  EXPECT_FALSE(fs::exists(path("target/file")));
+  EXPECT_TRUE(fs::is_symlink(path(near)));
+}
+
 TEST_F(TreeLinks, WithoutMemoryALinkIsNotFollowed) {
   size_t kept = 0;
   const size_t requests = orbtest::for_each_memory_fault([&](size_t nth, Failing failing) {
