@@ -90,33 +90,11 @@ const char* name_of(const dirent* entry) {
   return reinterpret_cast<const char*>(entry) + offsetof(dirent, d_name);
 }
 
-void begin_record(const char* name, FindDataDirEnt* found) {
-  memset(found, 0, sizeof *found);
-  memcpy(found->name, name, strnlen(name, kDirEntName));
-}
-
 void describe(const struct stat& status, FindDataDirEnt* found) {
   if (S_ISDIR(status.st_mode)) found->attributes = kDirEntIsDirectory;
   found->accessed = status.st_atime;
   found->modified = status.st_mtime;
   found->size = status.st_size;
-}
-
-// Whether an entry's whole path, which no change of the working directory leads elsewhere, is the
-// name in the open directory: then the system need not walk the path again.
-bool is_reached_by_name(const DirEntSlot& search, const char* name) {
-  return search.prefix[0] == '/' && strlen(search.prefix) + strlen(name) <= kDirEntPath;
-}
-
-void fill(const DirEntSlot& search, const dirent* entry, FindDataDirEnt* found) {
-  const char* const name = name_of(entry);
-  if (!is_reached_by_name(search, name)) {
-    voxSetFindDataDirEnt(found, entry, search.prefix);
-    return;
-  }
-  begin_record(name, found);
-  struct stat status {};
-  if (fstatat(dirfd(search.stream), name, &status, 0) == 0) describe(status, found);
 }
 
 }  // namespace
@@ -167,7 +145,7 @@ int voxFindNextDirEnt(int handle, FindDataDirEnt* findData) {
   while (entry != nullptr && voxWildCardMatch(search->pattern, name_of(entry)) != 0)
     entry = readdir(search->stream);
   if (entry == nullptr) return 0;
-  fill(*search, entry, findData);
+  voxSetFindDataDirEnt(findData, entry, search->prefix);
   return 1;
 }
 
@@ -185,9 +163,10 @@ FindDataDirEnt* voxSetFindDataDirEnt(FindDataDirEnt* findData, const struct dire
   if (findData == nullptr) return nullptr;
   memset(findData, 0, sizeof *findData);
   if (entry == nullptr || prefix == nullptr) return findData;
-  begin_record(name_of(entry), findData);
+  const char* const name = name_of(entry);
+  memcpy(findData->name, name, strnlen(name, kDirEntName));
   struct stat status {};
-  if (examine(prefix, name_of(entry), &status)) describe(status, findData);
+  if (examine(prefix, name, &status)) describe(status, findData);
   return findData;
 }
 

@@ -59,10 +59,10 @@ extern ORB_EXPORT DirEntSlot* pDirEntTable[kDirEntSlots];
 ORB_EXPORT int voxFindFirstDirEnt(const char* path, FindDataDirEnt* findData);
 
 // Finds the next entry that matches the search's pattern, "." and ".." among them, and fills
-// `*findData` like voxSetFindDataDirEnt; an absolute path leads to the directory that was opened,
-// even when that has been moved. Returns 1; 0 with `*findData` untouched at the end of the
-// directory (nErrno untouched), and for a number that is no open search or a null `findData` (22 in
-// nErrno).
+// `*findData` by voxSetFindDataDirEnt with the search's prefix: what is told of an entry is what
+// its path leads to now, be the directory moved or replaced meanwhile. Returns 1; 0 with
+// `*findData` untouched at the end of the directory (nErrno untouched), and for a number that is no
+// open search or a null `findData` (22 in nErrno).
 ORB_EXPORT int voxFindNextDirEnt(int handle, FindDataDirEnt* findData);
 
 // Ends a search and frees its place. Returns 1; 0 when the system cannot close the directory (no

@@ -122,9 +122,6 @@ ORB_TRACED(off_t, lseek64, "lseek", -1, ESPIPE, (int file, off_t distance, int w
 ORB_TRACED(int, ftruncate64, "ftruncate", -1, EIO, (int file, off_t size), (file, size))
 ORB_TRACED(int, fstat64, "fstat", -1, EIO, (int file, struct stat* status), (file, status))
 ORB_TRACED(int, stat64, "stat", -1, EACCES, (const char* path, struct stat* status), (path, status))
-ORB_TRACED(int, fstatat64, "fstatat", -1, EACCES,
-           (int folder, const char* path, struct stat* status, int flags),
-           (folder, path, status, flags))
 ORB_TRACED(int, mkstemp64, "mkstemp", -1, EMFILE, (char* pattern), (pattern))
 ORB_TRACED(int, rename, "rename", -1, EACCES, (const char* from, const char* to), (from, to))
 ORB_TRACED(int, remove, "remove", -1, EACCES, (const char* path), (path))

@@ -38,7 +38,7 @@ std::vector<Fault> finding(const char* none) {
   return {{"opendir", none},
           {"malloc", none, 35},
           {"readdir", none},
-          {"fstatat", "a search"},  // without its attributes
+          {"stat", "a search"},  // without its attributes
           {"pthread_mutex_lock", "a search"},
           {"pthread_mutex_lock#1 onwards", none, 35},
           {"pthread_mutex_unlock", "a search"},
@@ -63,7 +63,7 @@ void close_search(Trial& trial) {
   if (pDirEntTable[search - 1] != nullptr) trial.answer("still open");
 }
 
-const std::vector<Fault> stepping = {{"readdir", "0"}, {"fstatat", "1"}};
+const std::vector<Fault> stepping = {{"readdir", "0"}, {"stat", "1"}};
 
 const orbtest::Tortures rows({
     {"voxFindFirstDirEnt", "", "a search", find_first<voxFindFirstDirEnt, -1>, finding("-1")},
