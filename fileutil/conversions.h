@@ -19,9 +19,10 @@ ORB_EXTERN_C_BEGIN
 // returns `buffer`. Octal and hexadecimal digits show the two's-complement bits of the argument's
 // width, in lower case, without a prefix. 12 bytes hold every 32-bit result, 23 every 64-bit one.
 // Another radix or a null `buffer` returns null; `buffer` is untouched.
+// Quirk: radix 10 of voxUltot is signed although its value is not: 2^63 and more print as negative
+// numbers.
 ORB_EXPORT char* voxItoa(int value, char* buffer, int radix);
 ORB_EXPORT char* voxItot(int value, char* buffer, int radix);  // the same as voxItoa
-// Quirk: radix 10 is signed although the value is not: 2^63 and more print as negative numbers.
 ORB_EXPORT char* voxUltot(unsigned long value, char* buffer, int radix);
 ORB_EXPORT char* voxI64toa(long long value, char* buffer, int radix);
 ORB_EXPORT char* voxI64tot(long long value, char* buffer, int radix);  // the same as voxI64toa

@@ -6,7 +6,8 @@
 // portability/selock.h: a thread that may block needs its event); LinkedList_ is a counted list
 // with two links and assertions. vxLL, vxLL2 and LinkedList_ take no lock: callers guard them.
 //
-// Arguments are `void*` so that any record serves. Yes/no results are 1 and 0.
+// Arguments are `void*` so that any record serves. Yes/no results are 1 and 0. No function stores
+// an error word. An item is in one list at a time, and lives as long as it is there.
 #pragma once
 
 #include <stdint.h>
@@ -19,14 +20,14 @@ ORB_EXTERN_C_BEGIN
 // Insertion and removal are at the head. To remove while walking keep the predecessor: start at
 // vxLL_XGetStart, step with vxLL_XGetNext, unlink with vxLL_XRemove. Null arguments do nothing and
 // give the neutral value: null, or 1 from the two questions.
-ORB_EXPORT void vxLL_Init(void* head);
-ORB_EXPORT void vxLL_XInsertHead(void* head, void* item);
+ORB_EXPORT void vxLL_Init(void* head);                     // makes it empty, looking at nothing
+ORB_EXPORT void vxLL_XInsertHead(void* head, void* item);  // makes `item` the first
 ORB_EXPORT void* vxLL_XRemoveHead(void* head);             // the item unlinked; null when empty
 ORB_EXPORT void vxLL_XRemove(void* previous, void* item);  // `previous` may be the head itself
 ORB_EXPORT void* vxLL_XGetStart(void* head);               // the head's own address
-ORB_EXPORT void* vxLL_XGetNext(void* item);
-ORB_EXPORT int vxLL_XIsEnd(void* item);
-ORB_EXPORT int vxLL_IsEmpty(void* head);
+ORB_EXPORT void* vxLL_XGetNext(void* item);                // null behind the last item
+ORB_EXPORT int vxLL_XIsEnd(void* item);                    // whether `item` is null
+ORB_EXPORT int vxLL_IsEmpty(void* head);                   // whether there is no item
 
 // vxLL2: an item's first two words are its next and previous links. The header is four words, the
 // head sentinel's next and previous and the tail sentinel's next and previous; a sentinel's outer
@@ -47,7 +48,9 @@ ORB_EXPORT int vxLL2_XIsEnd(void* item);
 ORB_EXPORT void vxLL2_XRemove(void* item);
 
 // vxSLL2: a vxLL2 list and its lock. Each operation takes the lock, waiting for it, and gives it up
-// before it returns, unless it says otherwise. A null list does nothing and gives null.
+// before it returns, unless it says otherwise; any number of threads may call them. A null list
+// does nothing and gives null. So does a thread that would have to wait but has no event to sleep
+// on: nothing is inserted or removed then, and the list does not count as empty.
 typedef struct _vxSLL2_t {
   _vxLL2Header_t header;  // the sentinels at both ends
   _vxSELock_t* lock;      // owned by the list
@@ -59,11 +62,11 @@ typedef struct _vxSLL2_t {
 ORB_EXPORT uint32_t vxSLL2_Create(_vxSLL2_t** out);
 // Makes a list of the caller's own record. Returns 0, or 0x80000008 for null or without memory.
 ORB_EXPORT uint32_t vxSLL2_Init(_vxSLL2_t* list);
-// Removes all items and frees the lock.
+// Removes all items, which stay the caller's, and frees the lock; nobody else may use the list.
 ORB_EXPORT void vxSLL2_Uninit(_vxSLL2_t* list);
 // The same, and frees the record that vxSLL2_Create made.
 ORB_EXPORT void vxSLL2_Release(_vxSLL2_t* list);
-// 1 for null, too.
+// Whether there is no item; 1 for null, too.
 ORB_EXPORT int vxSLL2_IsEmpty(_vxSLL2_t* list);
 ORB_EXPORT void vxSLL2_XInsertHead(_vxSLL2_t* list, void* item);  // null item: nothing
 ORB_EXPORT void vxSLL2_XInsertTail(_vxSLL2_t* list, void* item);  // null item: nothing
@@ -81,17 +84,25 @@ typedef struct _vxSLL_t {
   _vxSELock_t* lock;  // owned by the list
 } _vxSLL_t;
 
+// Makes a list and stores it in `*out`. Returns 0x80000008, with null in `*out`, when there is no
+// memory for it.
 // Quirk: when there is no memory for its lock the result is 0, and only null in `*out` tells.
 ORB_EXPORT uint32_t vxSLL_Create(_vxSLL_t** out);
+// Makes a list of the caller's own record. Returns 0, or 0x80000008 for null or without memory.
 ORB_EXPORT uint32_t vxSLL_Init(_vxSLL_t* list);
 // Frees the lock; the items are left alone.
 ORB_EXPORT void vxSLL_Uninit(_vxSLL_t* list);
+// The same, and frees the record that vxSLL_Create made.
 ORB_EXPORT void vxSLL_Release(_vxSLL_t* list);
-ORB_EXPORT void vxSLL_XInsertHead(_vxSLL_t* list, void* item);
-ORB_EXPORT void* vxSLL_XRemoveHead(_vxSLL_t* list);
+ORB_EXPORT void vxSLL_XInsertHead(_vxSLL_t* list, void* item);  // null item: nothing
+ORB_EXPORT void* vxSLL_XRemoveHead(_vxSLL_t* list);             // null when empty
+// Takes the lock as vxSLL2_XGetHead does and keeps it. Returns the first item, null when there is
+// none.
 // Quirk: when the lock is not to be had the result is all ones (-1), not null as with vxSLL2.
 ORB_EXPORT void* vxSLL_XGetHead(_vxSLL_t* list, int exclusive, int wait);
+// Gives up one hold of vxSLL_XGetHead.
 ORB_EXPORT void vxSLL_LockRelease(_vxSLL_t* list);
+// Whether there is no item; 1 for null, too.
 ORB_EXPORT int vxSLL_IsEmpty(_vxSLL_t* list);
 
 // LinkedList_: an item's first two words are its previous and next links.
@@ -101,8 +112,8 @@ typedef struct _LinkedList_t {
   uint64_t count;  // of items
 } _LinkedList_t;
 
-// Makes an empty list and stores it in `*list`. Returns 1, 0 without memory. A null argument ends
-// the process with a failed assertion.
+// Makes an empty list and stores it in `*list`. Returns 1; 0, `*list` untouched, without memory. A
+// null argument ends the process with a failed assertion.
 ORB_EXPORT int LinkedList_Init(_LinkedList_t** list);
 // Frees the list, not its items, and stores null; null or a null list: nothing.
 ORB_EXPORT void LinkedList_End(_LinkedList_t** list);

@@ -42,8 +42,9 @@ extern ORB_EXPORT _voxDynamicLibrary_t* pDynamicLibraryList[kDynamicLibraries];
 // allocated; when the entry point refuses, the library stays loaded.
 ORB_EXPORT void* voxLoadLibrary(const char* path, char** errorText);
 
-// The same for a wide path, which is converted to UTF-8. When `errorText` is not null it receives
-// the address of a wide message buffer of 512 characters, the message cut to what it holds.
+// The same for a wide path, which is converted to UTF-8; 12 in nErrno, with an empty message, when
+// there is no memory for that. When `errorText` is not null it receives the address of a wide
+// message buffer of 512 characters, the message cut to what it holds.
 ORB_EXPORT void* voxLoadLibraryW(const wchar_t* path, wchar_t** errorText);
 
 // Releases one load; with the last one the entry point is called with reason 0 and the library is
@@ -51,20 +52,23 @@ ORB_EXPORT void* voxLoadLibraryW(const wchar_t* path, wchar_t** errorText);
 // a failing unload without an error word, although the library is forgotten then.
 ORB_EXPORT int voxFreeLibrary(void* library);
 
-// The address of the export `name`, null when there is none; the message as in voxLoadLibrary. A
-// null `name` stores 22 in nErrno and gives null, with an empty message.
+// The address of the export `name`, good until the library is unloaded; null when there is none,
+// with the loader's text as the message. `library` goes to the loader as it is; whether it is
+// loaded is not looked at. A null `name` stores 22 in nErrno and gives null, with an empty message.
 ORB_EXPORT void* voxGetProcAddress(void* library, const char* name, char** errorText);
 
-// Loads the library at `path` without the table and stores its handle in `*handle`. A null `handle`
-// or `path` gives 0. When the loader fails its text, cut at 510 bytes, is appended to `message`,
-// whose room is the caller's affair, unless that is null.
+// Loads the library at `path` without the table and the entry point, and stores its handle, which
+// the caller gives back to unload_shared_object_image, in `*handle`. A null `handle` or `path`
+// gives 0. When the loader fails, `*handle` is null and its text, cut at 510 bytes, is appended to
+// `message`, whose room is the caller's affair, unless that is null. No error word.
 ORB_EXPORT int load_shared_object_image(void** handle, const char* path, char* message);
 
-// Unloads what load_shared_object_image loaded.
+// Unloads what load_shared_object_image loaded. Null, or a failing loader, gives 0. No error word.
 ORB_EXPORT int unload_shared_object_image(void* handle);
 
 // Asks the export "loadString" of `module` for text `id`, to be written into `buffer` of `size`
-// characters. Returns its result, 0 when there is no such export.
+// characters; both are passed on as they are. Returns its result; 0, with nothing written, when
+// there is no such export or `module` is null. No error word.
 ORB_EXPORT int32_t voxLoadString(void* module, uint32_t id, char* buffer, int32_t size);
 
 // Does nothing and returns 1.

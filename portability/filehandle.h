@@ -47,12 +47,13 @@ ORB_EXPORT int voxWriteFile(void* handle, const void* buffer, uint32_t length,
 
 // Moves the position by `distance` from the beginning (`method` 0), the position (1) or the end
 // (2); `method` is passed to the system as it is. `distanceHigh` is ignored and not written.
-// Returns the new position, -1 on failure.
+// Returns the new position, -1 on failure, with errno as the system left it.
 // Quirk: the handle is not checked: null or a closed one is the caller's mistake.
 ORB_EXPORT int64_t voxSetFilePointer(void* handle, int64_t distance, int32_t* distanceHigh,
                                      uint32_t method);
 
-// Cuts or extends the file to its position.
+// Cuts or extends the file to its position, which stays. Handles are refused as by voxReadFile; a
+// failure of the system gives 0.
 // Quirk: the position is kept in 32 signed bits: from 2 GiB on it is cut.
 ORB_EXPORT int voxSetEndOfFile(void* handle);
 
@@ -61,14 +62,16 @@ ORB_EXPORT int voxSetEndOfFile(void* handle);
 // the size divided by 65535, on success alone.
 ORB_EXPORT int64_t voxGetFileSize(void* handle, uint32_t* high);
 
-// Makes a new empty file in `directory`, its name `prefix` (which may be null) and six random
-// characters, and copies its path to `out`, which has room for both, a slash and seven bytes more.
-// Returns `unique`, or 1 when that is 0; 0 on failure, with `out` untouched, also for a null
-// `directory` or `out`, without an error word.
+// Makes a new empty file of mode 0600 in `directory`, its name `prefix` (which may be null) and six
+// random characters, and copies its path to `out`, which has room for both, a slash and seven bytes
+// more. The file stays, closed, and is the caller's to remove. Returns `unique`, or 1 when that is
+// 0; 0 on failure, with `out` untouched and errno as the system left it, also for a null
+// `directory` or `out`, then without an error word.
 ORB_EXPORT uint32_t voxGetTempFileName(const char* directory, const char* prefix, uint32_t unique,
                                        char* out);
 
-// Renames `oldPath` to `newPath`, replacing a file of that name. A null path gives 0.
+// Renames `oldPath` to `newPath`, replacing a file of that name. A null path gives 0 without an
+// error word; a failure of the system gives 0, with both files as they were.
 ORB_EXPORT int voxMoveFile(const char* oldPath, const char* newPath);
 
 // Does nothing and returns 1.

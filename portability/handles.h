@@ -8,7 +8,8 @@
 // where bad arguments and lack of memory are stored, and the calling thread's errno, which system
 // calls set and voxGetLastError maps. All time-outs are milliseconds in 64 bits. Unless a comment
 // says otherwise, results are 1 for success and 0 for failure, and every function may be called
-// from any thread.
+// from any thread. A pointer that a comment does not allow to be null is not null, and a handle
+// that it does not allow to be closed is not closed.
 //
 // A forked child may use the whole library, whatever the parent's other threads were doing: only a
 // handle that one of them was in the middle of using stays with it, and so does what it owned.
@@ -125,8 +126,8 @@ ORB_EXPORT int voxCloseHandle(void* handle);
 // 0x80000008 with the sign extended to 64 bits. errno itself is left alone; nErrno plays no part.
 ORB_EXPORT int64_t voxGetLastError(void);
 
-// Adds 1 to, or takes 1 from, `*p` under one process-wide mutex. Returns `*p` read again after the
-// mutex is released.
+// Adds 1 to, or takes 1 from, `*p` under one process-wide mutex, wrapping at the ends of its range.
+// Returns `*p` read again after the mutex is released.
 // Quirk: a change that another thread makes in between shows in the result.
 ORB_EXPORT long voxInterlockedIncrement(long* p);
 ORB_EXPORT long voxInterlockedDecrement(long* p);

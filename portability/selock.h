@@ -44,7 +44,7 @@ typedef int32_t (*vxSELockCallback)(void* context, uint32_t message, void* param
 // 0x80000008 without memory (null in `*out`) and for a null `out`.
 ORB_EXPORT uint32_t vxSO_SELockCreate(_vxSELock_t** out);
 
-// Frees the lock, without a look at holders and waiters.
+// Frees the lock, without a look at holders and waiters: nobody may use it any more.
 ORB_EXPORT void vxSO_Release(_vxSELock_t* lock);
 
 // Exclusive entry; the owner may enter again, and leaves as many times.
@@ -58,7 +58,8 @@ ORB_EXPORT int vxSO_SELockSharedWaitForExclusive(_vxSELock_t* lock, int wait);
 // vxSO_SELockExclusive when `exclusive` is not 0, else vxSO_SELockSharedWaitForExclusive.
 ORB_EXPORT int vxSO_SELock(_vxSELock_t* lock, int exclusive, int wait);
 
-// Turns the owner's holds into shared ones and lets all shared waiters in. Returns 1.
+// Turns the owner's holds into shared ones and lets all shared waiters in. Returns 1. Who calls is
+// not looked at.
 ORB_EXPORT int vxSO_SELockExclusiveToShared(_vxSELock_t* lock);
 
 // Gives up one hold of either kind; with the last one the lock goes to an exclusive waiter, else to
@@ -79,9 +80,10 @@ ORB_EXPORT int vxSO_SELockExclusiveNotify(_vxSELock_t* lock, vxSELockCallback ca
 ORB_EXPORT int vxSO_SELockExclusiveUnnotify(_vxSELock_t* lock, vxSELockCallback callback,
                                             void* context, void* parameter);
 
-// A spin lock on one word, 0 when free; null does nothing. It spins 4000 tries, then backs off in
-// four steps of 100 tries, sleeping 0, 10 ms, 100 ms and 1 s before each.
-// Quirk: from try 4400 on it spins again without sleep.
+// A spin lock on one word, 0 when free, 1 when taken; null does nothing. It is not recursive and
+// knows no owner: vxSL_Release frees it, whoever calls. vxSL_Get spins 4000 tries, then backs off
+// in four steps of 100 tries, sleeping 0, 10 ms, 100 ms and 1 s before each. Quirk: from try 4400
+// on it spins again without sleep.
 ORB_EXPORT void vxSL_Get(long* word);
 ORB_EXPORT void vxSL_Release(long* word);
 

@@ -67,9 +67,9 @@ class ORB_EXPORT SignalHandler {
 using SyslogPriority = int;
 
 // Write one message in printf's form to the system log, under the tag "[ORB]" or `ident`, in the
-// user facility, opening and closing the log around it; the console is the fallback. Return true
-// always; a null `format` writes nothing. Safe from any thread: one message is written at a time,
-// and a thread is not cancelled in it.
+// user facility, opening and closing the log around it; the console is the fallback. A null `ident`
+// stands for the process's name. Return true always; a null `format` writes nothing. Safe from any
+// thread: one message is written at a time, and a thread is not cancelled in it.
 // Quirk: a text that follows `format` makes the call one of the tagged form: LogInSystemLog(3,
 // "%s", name) writes `name` under the tag "%s".
 ORB_EXPORT bool LogInSystemLog(SyslogPriority priority, const char* format, ...)

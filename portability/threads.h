@@ -86,7 +86,8 @@ ORB_EXPORT int vxSO_ProcessDetach(void);
 // an event (12 in nErrno) the result is 1 too and the thread has none.
 ORB_EXPORT intptr_t vxSO_ThreadAttach(void);
 
-// Closes the calling thread's event, if any, and marks it as having none. Returns voxTlsSetValue's.
+// Closes the calling thread's event, if any, and marks it as having none. Returns voxTlsSetValue's
+// result.
 ORB_EXPORT int vxSO_ThreadDetach(void);
 
 // Marks the calling thread as having no event, closing nothing. Returns voxTlsSetValue's result.

@@ -4,7 +4,8 @@
 
 The headers carry plain comments. A comment block above a declaration becomes that declaration's
 documentation; one above several declarations in a row becomes that of
-each; a comment behind a declaration documents that one; the block at the top is the file's.
+each; a comment behind a declaration documents that one; the block at the top is the file's, and so
+is one outside classes with an empty line behind it.
 """
 import re
 import sys
@@ -44,7 +45,7 @@ def paragraph(lines, start):
     return end
 
 
-def converted(lines):
+def converted(name, lines):
     at, column = 0, None  # where the comment behind the line before stands
     while at < len(lines):
         if column is not None and lines[at].startswith(" " * column + "//"):
@@ -58,9 +59,13 @@ def converted(lines):
             yield trailing(lines[at])
             at += 1
             continue
+        start = at
         while at < len(lines) and COMMENT.match(lines[at]):
-            yield lines[at].replace("//", "///", 1)
             at += 1
+        if lines[start].startswith("//") and at < len(lines) and not lines[at].strip():
+            yield f"/// @file {name}"
+            yield "///"
+        yield from (line.replace("//", "///", 1) for line in lines[start:at])
         end = paragraph(lines, at)
         group = lines[at:end]
         if any(OPENS_BODY.search(line) for line in group):
@@ -77,7 +82,8 @@ def main():
         lines = file.read().splitlines()
     head = list(file_block(lines))
     print("\n".join(head))
-    print("\n".join(converted(lines[len(head) - 1:])))
+    name = head[0].removeprefix("/// @file ")
+    print("\n".join(converted(name, lines[len(head) - 1:])))
 
 
 main()
