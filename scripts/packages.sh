@@ -1,15 +1,15 @@
 # shellcheck shell=bash disable=SC2034
 # scripts/packages.sh: which distribution packages each command of the driver needs; sourced by dev.
 
-packages_build=(g++ cmake ninja-build libcli11-dev nlohmann-json3-dev)
+packages_build=(g++ cmake ninja-build pkg-config libcli11-dev nlohmann-json3-dev)
 packages_test=(libgtest-dev libgmock-dev python3 python3-jsonschema iproute2 procps groff man-db mandoc
   fish zsh util-linux hostname locales strace valgrind)
 packages_check=(clang clang-format clang-tidy clang-tools lld llvm libclang-rt-14-dev shellcheck
   binutils git abigail-tools)
-packages_bench=(libbenchmark-dev iproute2 pkg-config libapr1-dev libwinpr2-dev libpoco-dev libglib2.0-dev
+packages_bench=(libbenchmark-dev iproute2 libapr1-dev libwinpr2-dev libpoco-dev libglib2.0-dev
   libboost-thread-dev uuid-dev python3 python3-matplotlib)
 packages_macos=(llvm)
-packages_package=(dpkg-dev file pkg-config)
+packages_package=(dpkg-dev file)
 packages_docs=(doxygen)
 packages_coverage=(gcovr)
 
