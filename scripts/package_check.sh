@@ -18,8 +18,8 @@ files() { find "$root" -mindepth 1 -path "$root/var" -prune -o -not -type d -pri
 
 packages --install "$package"
 library=$(find "$root/usr/lib" -name 'liborbcommon.so.1')
-for wanted in bin/orbprops share/man/man1/orbprops.1 include/orbcommon/sysprops/catalogue.h \
-  share/orbcommon/orbprops.schema.json share/doc/orbcommon/CHANGELOG.md; do
+for wanted in bin/orbprops share/man/man1/orbprops.1.gz include/orbcommon/sysprops/catalogue.h \
+  share/orbcommon/orbprops.schema.json share/doc/orbcommon/{CHANGELOG.md,changelog.gz,copyright}; do
   [ -e "$root/usr/$wanted" ] || { echo "the package lacks $wanted"; exit 1; }
 done
 [ -n "$library" ] || { echo "the package lacks the library"; exit 1; }
