@@ -14,6 +14,8 @@
 #include <climits>
 #include <cstring>
 
+#include "platform/everlasting.h"
+
 namespace quillon_com::orb::platform {
 namespace {
 
@@ -133,9 +135,6 @@ std::vector<Volume> DarwinSystem::volumes() const {
   return result;
 }
 
-const System& host() {
-  static const DarwinSystem& system = *new DarwinSystem;  // outlives every static destructor
-  return system;
-}
+const System& host() { return everlasting<DarwinSystem>(); }
 
 }  // namespace quillon_com::orb::platform

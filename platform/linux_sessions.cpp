@@ -6,6 +6,7 @@
 #include <mutex>
 #include <utility>
 
+#include "platform/everlasting.h"
 #include "platform/linux_system.h"
 #include "platform/linux_text.h"
 
@@ -18,10 +19,10 @@ constexpr size_t kSessionFileLimit = 4096;
 
 std::mutex sessions_mutex;  // guards every cursor and `accounting_root`
 // The root whose accounting file the C library was pointed to; empty while that is its own choice.
-std::string& accounting_root() {
-  static std::string root;
-  return root;
-}
+struct AccountingRoot {
+  std::string path;
+};
+std::string& accounting_root() { return everlasting<AccountingRoot>().path; }
 
 }  // namespace
 

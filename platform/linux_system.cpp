@@ -13,6 +13,7 @@
 #include <memory>
 #include <utility>
 
+#include "platform/everlasting.h"
 #include "platform/linux_text.h"
 #include "platform/version_list.h"
 
@@ -54,10 +55,7 @@ bool is_local_name(const char* name) { return strncasecmp(name, "localhost", 9) 
 
 }  // namespace
 
-const System& host() {
-  static const LinuxSystem system;
-  return system;
-}
+const System& host() { return everlasting<LinuxSystem>(); }
 
 LinuxSystem::LinuxSystem(std::string root) : root_(std::move(root)) {}
 
