@@ -47,6 +47,8 @@ class ProcessMutex {
     pthread_mutex_t* mutex = to_lock();
     return mutex == nullptr ? 0 : pthread_mutex_unlock(mutex);
   }
+  // The end of what lock() did in a thread that was not forking then.
+  int unlock_locked() { return pthread_mutex_unlock(&mutex_); }
   // What a scope of the calling thread locks and unlocks; null when the thread holds every mutex
   // because it forks, which no scope outlives.
   pthread_mutex_t* to_lock() {

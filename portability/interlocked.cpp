@@ -40,14 +40,15 @@ bool try_to_take(long* word) {
 
 bool begin_brief(const long* word) {
   if (MutexInterlockedExchange.lock() != 0) return false;
-  if (__atomic_load_n(word, __ATOMIC_RELAXED) == 0) return true;
-  MutexInterlockedExchange.unlock();
+  if (__atomic_load_n(word, __ATOMIC_RELAXED) == 0) [[likely]]
+    return true;
+  MutexInterlockedExchange.unlock_locked();
   return false;
 }
 
 void end_brief(long* word, long value) {
   __atomic_store_n(word, value, __ATOMIC_RELAXED);
-  MutexInterlockedExchange.unlock();
+  MutexInterlockedExchange.unlock_locked();
 }
 
 }  // namespace quillon_com::orb::portability

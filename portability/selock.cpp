@@ -1,6 +1,8 @@
 // portability/selock.cpp: the shared/exclusive lock's entries, release and hand-over.
 #include "portability/selock.h"
 
+#include <sched.h>
+
 #include <cstdlib>
 
 #include "portability/Linklist.h"
@@ -16,6 +18,10 @@ constexpr intptr_t kNobody = -1;
 // About what it costs to wake a sleeper: two threads that have both gone to sleep once, because one
 // lost its processor, find back to hand-overs without a sleep.
 constexpr int kSpinsBeforeSleep = 20'000;
+// Behind these the processor is offered to others now and then: with more threads than processors
+// it is one of them that is to grant.
+constexpr int kSpinsBeforeYields = 2'000;
+constexpr int kSpinsPerYield = 256;
 
 // A blocked thread's place in a queue; lives on its stack while it waits.
 struct Waiter {
@@ -51,6 +57,7 @@ void sleep_until_granted(const Waiter& waiter) {
   auto* event = reinterpret_cast<_voxHandleObject_t*>(waiter.event);
   for (int spin = 0; spin < kSpinsBeforeSleep; ++spin) {
     if (!is_waiting(waiter) && is_signalled(event) && reset_at_once(event)) return;
+    if (spin >= kSpinsBeforeYields && spin % kSpinsPerYield == 0) sched_yield();
   }
   do {
     voxWaitForSingleObject(event, INFINITE);

@@ -10,7 +10,7 @@ namespace quillon_com::orb::portability {
 bool try_to_take(long* word);
 
 // Locks the mutex of voxInterlockedExchange when `*word` is 0; otherwise false, and it is not
-// locked.
+// locked. Not for a forking thread.
 bool begin_brief(const long* word);
 
 // Stores `value` in `*word` and gives that mutex up.
