@@ -5,6 +5,7 @@
 #include <benchmark/benchmark.h>
 #include <iconv.h>
 
+#include <algorithm>
 #include <cstring>
 #include <cwchar>
 #include <string>
@@ -90,6 +91,35 @@ void wide_to_ansi(benchmark::State& state, const std::string& source) {
   for (auto _ : state) benchmark::DoNotOptimize(voxcomn_wide_to_ansi(text));
 }
 
+// What the same memory costs without a look at what is in it.
+
+void plain_to_wide(benchmark::State& state, const std::string& text) {
+  std::wstring out(text.size() + 1, L'\0');
+  for (auto _ : state) {
+    std::copy(text.begin(), text.end(), out.begin());
+    benchmark::ClobberMemory();
+  }
+}
+
+void plain_to_utf8(benchmark::State& state, const std::string& source) {
+  const std::wstring text = voxcomn_ansi_to_wide(source);
+  std::string out(text.size() + 1, '\0');
+  for (auto _ : state) {
+    std::transform(text.begin(), text.end(), out.begin(),
+                   [](wchar_t element) { return static_cast<char>(element); });
+    benchmark::ClobberMemory();
+  }
+}
+
+void plain_wide_string(benchmark::State& state, const std::string& text) {
+  for (auto _ : state) benchmark::DoNotOptimize(std::wstring(text.begin(), text.end()));
+}
+
+void plain_string(benchmark::State& state, const std::string& source) {
+  const std::wstring text = voxcomn_ansi_to_wide(source);
+  for (auto _ : state) benchmark::DoNotOptimize(std::string(text.begin(), text.end()));
+}
+
 using Run = void (*)(benchmark::State&, const std::string&);
 
 template <class Note>
@@ -136,12 +166,16 @@ void add_series(const std::string& kind, std::string (*text_of)(size_t)) {
     const auto note = [bytes = each.bytes](benchmark::State& state) {
       orbbench::size(state, static_cast<double>(bytes));
     };
-    const std::string suffix = "/" + kind + "/" + each.name + "/ours";
     const std::string text = text_of(each.bytes);
-    add("utf8_to_wide" + suffix, utf8_to_wide, text, note);
-    add("utf8_to_wide_string" + suffix, ansi_to_wide, text, note);
-    add("wide_to_utf8" + suffix, wide_to_utf8, text, note);
-    add("wide_to_utf8_string" + suffix, wide_to_ansi, text, note);
+    const auto add_pair = [&](const std::string& operation, Run ours, Run plain) {
+      const std::string name = operation + "/" + kind + "/" + each.name;
+      add(name + "/ours", ours, text, note);
+      add(name + "/plain", plain, text, note);
+    };
+    add_pair("utf8_to_wide", utf8_to_wide, plain_to_wide);
+    add_pair("utf8_to_wide_string", ansi_to_wide, plain_wide_string);
+    add_pair("wide_to_utf8", wide_to_utf8, plain_to_utf8);
+    add_pair("wide_to_utf8_string", wide_to_ansi, plain_string);
   }
 }
 

@@ -7,7 +7,7 @@ cd "$(dirname "$0")/.."
 repetitions=9 least_seconds=0.05 filter=. quick=
 if [ "${1:-}" = --quick ]; then
   repetitions=3 least_seconds=0.002 quick=yes
-  filter='-/(10000|100000|1000000|10000_files|100000_files|100_interfaces|8MiB|16MiB|64MiB|wake_[0-9]+)/'
+  filter='-/(10000|100000|1000000|10000_files|100000_files|500_interfaces|8MiB|16MiB|64MiB|wake_[0-9]+)/'
   shift
 fi
 case ${1:-} in

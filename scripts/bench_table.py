@@ -7,7 +7,7 @@ their goals are named stands in bench_results.py.
 """
 import argparse
 
-from bench_results import Family, ORDER_TOLERANCE, OURS, UNITS
+from bench_results import Family, ORDER_TOLERANCE, OURS, PLAIN, PLAIN_TOLERANCE, UNITS
 
 
 def duration(nanoseconds):
@@ -27,15 +27,12 @@ def verdict(value, limit):
 
 def absolute_goals(run):
     """(ours, goal, verdict) for each goal of the run that is not a ratio."""
-    counters = run.counters
-    for goal, value, text in (("goal_ns", run.time, duration),
-                              ("goal_worst_ns", counters.get("worst_ns"), duration),
-                              ("goal_bytes", counters.get("peak_bytes"), mebibytes)):
-        if goal in counters:
-            ours = duration(run.time)
-            if value is not run.time:
-                ours += f", {'worst' if 'worst' in goal else 'peak'} {text(value)}"
-            yield ours, text(counters[goal]), verdict(value, counters[goal])
+    for goal, value, limit in run.limits():
+        text = mebibytes if goal == "goal_bytes" else duration
+        ours = duration(run.time)
+        if goal != "goal_ns":
+            ours += f", {'worst' if 'worst' in goal else 'peak'} {text(value)}"
+        yield ours, text(limit), verdict(value, limit)
 
 
 def ratio_row(ours, peer):
@@ -131,8 +128,10 @@ def main():
         print_rows(("operation", "ours", "peer", "ratio", "goal", "met or missed"), rows)
         if grown:
             print("\nHow its cost grows: the order is the power of the size that fits the upper "
-                  "half of the sizes best; it may be above its goal by "
-                  f"{ORDER_TOLERANCE:g}, for logarithms and caches.\n")
+                  "half of the sizes best. It may be above its goal by "
+                  f"{ORDER_TOLERANCE:g}, for logarithms, or by {PLAIN_TOLERANCE:g} above the order "
+                  f"of the peer `{PLAIN}`, which walks over the same memory or entries without the "
+                  "library and shows what caches do.\n")
             print_rows(("operation", "ours by size", "order", "peers' orders", "goal",
                         "met or missed"), grown)
         for failed in family.failed:

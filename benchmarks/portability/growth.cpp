@@ -5,6 +5,7 @@
 #include <chrono>
 #include <string>
 #include <thread>
+#include <utility>
 #include <vector>
 
 #include "benchmarks/family.h"
@@ -20,6 +21,20 @@ struct Item {
   void* second;
 };
 using Items = std::vector<Item>;
+
+// Links all items to one another and takes each out again, or walks them; by hand.
+void fill_plainly(Items& items) {
+  void* head = nullptr;
+  for (Item& item : items) {
+    item.first = head;
+    head = &item;
+    benchmark::DoNotOptimize(head);
+  }
+  while (head != nullptr) {
+    head = static_cast<Item*>(head)->first;
+    benchmark::DoNotOptimize(head);
+  }
+}
 
 // Fills a list with all items and empties it again.
 void fill_bare(Items& items) {
@@ -62,13 +77,16 @@ void walk(Items& items) {
 
 void add_list(const std::string& name, void (*run)(Items&)) {
   for (const size_t count : {1, 10, 100, 1'000, 10'000, 100'000, 1'000'000}) {
-    benchmark::RegisterBenchmark((name + "/" + std::to_string(count) + "/ours").c_str(),
-                                 [=](benchmark::State& state) {
-                                   const orbtest::Attached attached;
-                                   Items items(count);
-                                   for (auto _ : state) run(items);
-                                   orbbench::size(state, static_cast<double>(count));
-                                 });
+    for (const auto& [who, fill] : {std::pair{"ours", run}, std::pair{"plain", &fill_plainly}}) {
+      const auto measure = [=, fill = fill](benchmark::State& state) {
+        const orbtest::Attached attached;
+        Items items(count);
+        for (auto _ : state) fill(items);
+        orbbench::size(state, static_cast<double>(count));
+      };
+      benchmark::RegisterBenchmark((name + "/" + std::to_string(count) + "/" + who).c_str(),
+                                   measure);
+    }
   }
 }
 
