@@ -5,9 +5,9 @@
 
 namespace quillon_com::orb::portability {
 
-// While it lives, the calling thread is not cancelled; a request to do so stays pending. A thread
-// that is cancelled leaves its queues and, where the system does not unwind scopes, its locks as
-// they are: others would wait for it without an end.
+// While it lives, the calling thread is not cancelled; a request to do so stays pending. Where the
+// system does not unwind a cancelled thread's scopes its locks stay taken, and others would wait
+// for them without an end.
 class CancellationShield {
  public:
   CancellationShield() { pthread_setcancelstate(PTHREAD_CANCEL_DISABLE, &before_); }

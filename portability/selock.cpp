@@ -6,7 +6,6 @@
 #include <cstdlib>
 
 #include "portability/Linklist.h"
-#include "portability/cancellation.h"
 #include "portability/handleparts.h"
 #include "portability/selockparts.h"
 #include "portability/threads.h"
@@ -65,19 +64,48 @@ void sleep_until_granted(const Waiter& waiter) {
   voxResetEvent(event);
 }
 
+// A waiter in one of its lock's queues.
+struct Place {
+  _vxSELock_t* lock;
+  void** queue;
+  Waiter waiter;
+};
+
+// Takes a waiter out of its queue, whose lock's spin word is held; false when it is not there.
+bool leave_queue(const Place& place) {
+  void* previous = vxLL_XGetStart(place.queue);
+  void* next = vxLL_XGetNext(previous);
+  for (; next != nullptr && next != &place.waiter; next = vxLL_XGetNext(next)) previous = next;
+  vxLL_XRemove(previous, next);
+  return next != nullptr;
+}
+
+// What a thread that is cancelled in its sleep does: it leaves the queue or, when it was granted
+// the lock meanwhile, gives it up.
+void withdraw(void* argument) {
+  const auto* place = static_cast<Place*>(argument);
+  bool queued = false;
+  {
+    const SpinHold hold(place->lock);
+    queued = leave_queue(*place);
+  }
+  if (!queued) vxSO_SELockRelease(place->lock);
+}
+
 // Queues the caller and sleeps until the lock is handed to it, or gives up at once.
-int block(void** queue, intptr_t me, int wait, BriefSpinHold& hold) {
+int block(_vxSELock_t* lock, void** queue, intptr_t me, int wait, BriefSpinHold& hold) {
   if (wait == 0 || me == kNobody) return 0;
   auto* event = reinterpret_cast<_voxHandleObject_t*>(me);
   if (is_signalled(event)) {  // set by somebody else: no grant yet
     hold.lengthen();
     voxResetEvent(event);
   }
-  Waiter waiter{nullptr, me, process_id(), 1};
-  const CancellationShield shield;  // the queue names a record on this stack
-  vxLL_XInsertHead(queue, &waiter);
+  Place place{lock, queue, {nullptr, me, process_id(), 1}};
+  vxLL_XInsertHead(queue, &place.waiter);
   hold.release();
-  sleep_until_granted(waiter);
+  pthread_cleanup_push(withdraw, &place);
+  sleep_until_granted(place.waiter);
+  pthread_cleanup_pop(0);
   return 1;
 }
 
@@ -155,7 +183,7 @@ int vxSO_SELockExclusive(_vxSELock_t* lock, int wait) {
   if (lock == nullptr) return 0;
   const intptr_t me = vxSO_GetThread();
   BriefSpinHold hold(lock);
-  if (busy_for(lock, me)) return block(&lock->exclusiveWaiters, me, wait, hold);
+  if (busy_for(lock, me)) return block(lock, &lock->exclusiveWaiters, me, wait, hold);
   grant_exclusive(lock, me, kExclusive);
   return 1;
 }
@@ -165,7 +193,7 @@ int vxSO_SELockSharedStarveExclusive(_vxSELock_t* lock, int wait) {
   const intptr_t me = vxSO_GetThread();
   BriefSpinHold hold(lock);
   if (lock->owner != me && lock->owner != kNobody)
-    return block(&lock->sharedWaiters, me, wait, hold);
+    return block(lock, &lock->sharedWaiters, me, wait, hold);
   ++lock->count;
   return 1;
 }
@@ -176,7 +204,7 @@ int vxSO_SELockSharedWaitForExclusive(_vxSELock_t* lock, int wait) {
   BriefSpinHold hold(lock);
   const bool open = lock->count == 0 || lock->owner == me ||
                     (lock->owner == kNobody && lock->exclusiveWaiters == nullptr);
-  if (!open) return block(&lock->sharedWaiters, me, wait, hold);
+  if (!open) return block(lock, &lock->sharedWaiters, me, wait, hold);
   ++lock->count;
   return 1;
 }

@@ -8,8 +8,8 @@
 //
 // A null lock does nothing and gives 0. Entry functions return 1 when the lock is held and 0 when
 // it is not: `wait` was 0, or the thread has no event to sleep on. No error words. Every function
-// may be called from any thread. A thread that waits for a lock or runs a notification is not
-// cancelled before it is done with that.
+// may be called from any thread. A thread that is cancelled while it waits for a lock leaves its
+// queue; while it runs notifications it is not cancelled.
 //
 // A forked child finds every lock's fields whole and its queues empty; a hold of a thread that it
 // does not have is never given up. A word that such a thread took with vxSL_Get stays taken.

@@ -78,6 +78,12 @@ class Cancellation : public orbtest::AttachedTest {
       vxSL_Release(&lock_->spin);
     }
   }
+  const void* head_of_writers() {
+    vxSL_Get(&lock_->spin);
+    const void* head = lock_->exclusiveWaiters;
+    vxSL_Release(&lock_->spin);
+    return head;
+  }
   void expect_free() {
     EXPECT_EQ(0, lock_->spin);
     EXPECT_EQ(-1, lock_->owner);
@@ -87,17 +93,54 @@ class Cancellation : public orbtest::AttachedTest {
   _vxSELock_t* lock_ = nullptr;
 };
 
-TEST_F(Cancellation, OfABlockedThreadWaitsUntilItIsGranted) {
+TEST_F(Cancellation, OfABlockedThreadTakesItOutOfTheQueue) {
   for (const int exclusive : {1, 0}) {
     ASSERT_EQ(1, vxSO_SELockExclusive(lock_, 1));
+    const CancelledThread blocked([&] { vxSO_SELock(lock_, exclusive, 1); });
+    wait_for_waiter();
+    blocked.cancel();
+    EXPECT_FALSE(blocked.ended_behind_its_body()) << exclusive;
+    EXPECT_EQ(nullptr, lock_->exclusiveWaiters);
+    EXPECT_EQ(nullptr, lock_->sharedWaiters);
+    EXPECT_EQ(1u, lock_->count);
+    EXPECT_EQ(1, vxSO_SELockRelease(lock_));
+    expect_free();
+  }
+}
+
+TEST_F(Cancellation, OfTheOlderOfTwoBlockedThreadsLeavesTheNewerInTheQueue) {
+  ASSERT_EQ(1, vxSO_SELockExclusive(lock_, 1));
+  const CancelledThread older([&] { vxSO_SELockExclusive(lock_, 1); });
+  wait_for_waiter();
+  const void* const head = head_of_writers();
+  std::thread newer = orbtest::attached([&] {
+    EXPECT_EQ(1, vxSO_SELockExclusive(lock_, 1));
+    EXPECT_EQ(1, vxSO_SELockRelease(lock_));
+  });
+  while (head_of_writers() == head) std::this_thread::yield();
+  older.cancel();
+  EXPECT_FALSE(older.ended_behind_its_body());
+  EXPECT_NE(nullptr, head_of_writers());
+  EXPECT_EQ(1, vxSO_SELockRelease(lock_));
+  newer.join();
+  expect_free();
+}
+
+// The grant comes before, in or behind the cancellation; the lock is free in the end all the same.
+TEST_F(Cancellation, OfAThreadThatIsGrantedTheLockMeanwhileGivesItUp) {
+  for (int round = 0; round < 300; ++round) {
+    ASSERT_EQ(1, vxSO_SELockExclusive(lock_, 1));
     const CancelledThread blocked([&] {
-      EXPECT_EQ(1, vxSO_SELock(lock_, exclusive, 1));
+      EXPECT_EQ(1, vxSO_SELock(lock_, round % 2, 1));
       EXPECT_EQ(1, vxSO_SELockRelease(lock_));
     });
     wait_for_waiter();
+    std::thread releasing([&] { vxSO_SELockRelease(lock_); });
     blocked.cancel();
-    EXPECT_EQ(1, vxSO_SELockRelease(lock_));
-    EXPECT_TRUE(blocked.ended_behind_its_body()) << exclusive;
+    blocked.ended_behind_its_body();
+    releasing.join();
+    ASSERT_EQ(nullptr, lock_->exclusiveWaiters);
+    ASSERT_EQ(nullptr, lock_->sharedWaiters);
     expect_free();
   }
 }
