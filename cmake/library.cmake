@@ -36,7 +36,9 @@ else()
   target_link_options(orbcommon PRIVATE LINKER:-z,now)  # with relro: no writable jump table
 endif()
 target_link_libraries(orbcommon PRIVATE ${ORB_SYSTEM_LIBRARIES})
+target_link_options(orbcommon PRIVATE ${ORB_COVERAGE_LINK_OPTIONS})
 
 add_library(orbcommon_static STATIC EXCLUDE_FROM_ALL $<TARGET_OBJECTS:orbcommon_objects>)
 target_include_directories(orbcommon_static PUBLIC ${PROJECT_SOURCE_DIR})
 target_link_libraries(orbcommon_static PUBLIC ${ORB_SYSTEM_LIBRARIES})
+target_link_options(orbcommon_static PUBLIC ${ORB_COVERAGE_LINK_OPTIONS})

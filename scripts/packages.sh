@@ -11,7 +11,7 @@ packages_bench=(libbenchmark-dev iproute2 libapr1-dev libwinpr2-dev libpoco-dev 
 packages_macos=(llvm)
 packages_package=(dpkg-dev file)
 packages_docs=(doxygen)
-packages_coverage=(gcovr)
+packages_coverage=(clang llvm libclang-rt-14-dev)
 
 # as_root COMMAND...: runs it as the superuser, through sudo when need be.
 as_root() {

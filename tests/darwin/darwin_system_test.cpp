@@ -17,7 +17,7 @@ constexpr std::pair kDomain{CTL_KERN, KERN_NISDOMAINNAME};
 
 class MacFacts : public MacTest {
  protected:
-  const seam::DarwinSystem system;
+  const seam::DarwinSystem system{};
 };
 
 TEST_F(MacFacts, TheHostIsTheMac) {

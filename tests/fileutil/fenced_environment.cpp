@@ -10,7 +10,7 @@ namespace {
 class Fenced : public testing::Environment {
  public:
   void SetUp() override {
-    if (!orbtest::fence_machine_off(ORB_WRITABLE_FOLDER))
+    if (!orbtest::fence_machine_off())
       GTEST_SKIP() << "needs root, to make the machine read-only meanwhile";
   }
 };

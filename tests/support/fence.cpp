@@ -14,9 +14,9 @@ namespace {
 
 constexpr const char* kTemporary = "/mnt";
 
-bool set_read_only(const char* path, bool read_only) {
+bool set_read_only(const char* path) {
   mount_attr change{};
-  (read_only ? change.attr_set : change.attr_clr) = MOUNT_ATTR_RDONLY;
+  change.attr_set = MOUNT_ATTR_RDONLY;
   return mount_setattr(AT_FDCWD, path, AT_RECURSIVE, &change, sizeof change) == 0;
 }
 
@@ -29,13 +29,10 @@ bool is_writable(const std::string& folder) {
   return true;
 }
 
-bool put_up(const char* writable) {
+bool put_up() {
   if (unshare(CLONE_NEWNS) != 0) return false;
   if (mount("none", "/", nullptr, MS_REC | MS_PRIVATE, nullptr) != 0) return false;
-  if (writable != nullptr && mount(writable, writable, nullptr, MS_BIND, nullptr) != 0)
-    return false;
-  if (!set_read_only("/", true)) return false;
-  if (writable != nullptr && !set_read_only(writable, false)) return false;
+  if (!set_read_only("/")) return false;
   // Not over the temporary folder: the program itself may have been built below it.
   if (mount("none", kTemporary, "tmpfs", 0, nullptr) != 0) return false;
   return setenv("TMPDIR", kTemporary, 1) == 0 && is_writable(kTemporary) && !is_writable("/etc") &&
@@ -44,8 +41,8 @@ bool put_up(const char* writable) {
 
 }  // namespace
 
-bool fence_machine_off(const char* writable) {
-  static const bool fenced = put_up(writable);
+bool fence_machine_off() {
+  static const bool fenced = put_up();
   return fenced;
 }
 

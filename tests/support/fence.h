@@ -4,9 +4,8 @@
 namespace orbtest {
 
 // Makes the whole machine read-only for this process, once and for good, but for an empty folder
-// for temporary files and for `writable` (a build folder whose counts are written at the end; null
-// for none). False, with nothing promised, where the system refuses it, as it does without root:
-// reason to skip the test.
-bool fence_machine_off(const char* writable);
+// for temporary files. False, with nothing promised, where the system refuses it, as it does
+// without root: reason to skip the test.
+bool fence_machine_off();
 
 }  // namespace orbtest
