@@ -9,7 +9,7 @@
 #include <optional>
 
 #include "fileutil/clock.h"
-#include "fileutil/conversions.h"
+#include "fileutil/utf8.h"
 #include "platform/system.h"
 
 namespace quillon_com::orb {
@@ -107,8 +107,9 @@ bool zone_abbreviation(const platform::System& system, std::wstring* zone) {
   std::string name;
   const portability::Hold held(mutex);
   if (!system.zone_name(&name)) return false;
-  name.resize(std::min(name.size(), kMostAbbreviationLength));
-  *zone = voxcomn_ansi_to_wide(name);
+  wchar_t wide[kMostAbbreviationLength];
+  const size_t length = std::min(strlen(name.c_str()), kMostAbbreviationLength);
+  zone->assign(wide, decode_utf8(name.c_str(), length, wide));
   return true;
 }
 

@@ -37,6 +37,23 @@ void add_local_user(std::string user, FILE* lines, std::set<std::string>* local)
   std::fprintf(lines, "Local User Logged on %s \n", user.c_str());
 }
 
+// Adds the user of each entry from the cursor on.
+void scan_sessions(const platform::System& system, FILE* lines, std::set<std::string>* network,
+                   std::set<std::string>* local, bool skip_local) {
+  platform::SessionEntry entry;
+  while (system.next_session_entry(&entry)) {
+    std::fprintf(lines, "%d  %s  %s  %s \n", entry.type, entry.id.c_str(), entry.user.c_str(),
+                 entry.line.c_str());
+    if (entry.type != kUserProcess) continue;
+    std::string domains;
+    if (find_domains(system, lines, entry.user, &domains)) {
+      add_network_user(entry.user, domains, lines, network);
+    } else if (!skip_local) {
+      add_local_user(entry.user, lines, local);
+    }
+  }
+}
+
 // Replaces `list` unless there are no `names`.
 void join(const std::set<std::string>& names, std::string* list) {
   if (names.empty()) return;
@@ -54,17 +71,11 @@ void collect_logged_on_users(const platform::System& system, FILE* lines,
                              std::set<std::string>* network, std::set<std::string>* local,
                              bool skip_local) {
   std::fputs("Some changes happen in the logon sessions.\n", lines);
-  platform::SessionEntry entry;
-  while (system.next_session_entry(&entry)) {
-    std::fprintf(lines, "%d  %s  %s  %s \n", entry.type, entry.id.c_str(), entry.user.c_str(),
-                 entry.line.c_str());
-    if (entry.type != kUserProcess) continue;
-    std::string domains;
-    if (find_domains(system, lines, entry.user, &domains)) {
-      add_network_user(entry.user, domains, lines, network);
-    } else if (!skip_local) {
-      add_local_user(entry.user, lines, local);
-    }
+  try {
+    scan_sessions(system, lines, network, local, skip_local);
+  } catch (...) {
+    system.rewind_sessions();
+    throw;
   }
   std::fputs("Coming out from the logon session collections.\n", lines);
   system.rewind_sessions();

@@ -20,8 +20,9 @@ namespace session {
 
 // Adds every user with a session to `network`, or to `local` when no domain is found; what the sets
 // held before stays. With `skipLocal` users without a domain are left out. The scan starts where
-// the database's cursor stands and rewinds it when done. A line is written for each record of
-// the database, for each user added, and one before and one behind them all.
+// the database's cursor stands and rewinds it when done, or when an exception ends it. A line is
+// written for each record of the database, for each user added, and one before and one behind them
+// all.
 // The domain is looked for in the primary group (FindDomainName), then in the directory service's
 // "userPrincipalName" and "OriginalAuthenticationAuthority"; several domains give several names.
 // Quirk: a record of a user process without a name gives the local user "".

@@ -171,6 +171,19 @@ TEST(Collect, ScanStartsAtTheCursorAndRewindsBehind) {
   EXPECT_EQ(2U, system.rewinds);
 }
 
+TEST(Collect, AScanThatAnExceptionEndsRewindsToo) {
+  class Failing : public FakeSystem {
+   public:
+    bool command_output(const std::string&, size_t, std::string*) const override {
+      throw std::bad_alloc();
+    }
+  };
+  Failing system;
+  system.sessions = {session_of("first"), session_of("second")};
+  EXPECT_THROW(collect(system), std::bad_alloc);
+  EXPECT_EQ(1U, system.rewinds);
+}
+
 TEST(Collect, QuirkASessionWithoutNameIsTheLocalUserWithoutName) {
   const FakeSystem system = machine_with({""});
   const Users users = collect(system);

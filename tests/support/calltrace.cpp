@@ -5,15 +5,21 @@
 #include <dlfcn.h>
 #include <fcntl.h>
 #include <pthread.h>
+#include <pwd.h>
 #include <signal.h>
+#include <sys/sendfile.h>
 #include <sys/stat.h>
+#include <sys/statfs.h>
 #include <sys/time.h>
+#include <sys/utsname.h>
+#include <unistd.h>
 
 #include <cerrno>
 #include <cstdarg>
 #include <cstdint>
 #include <cstdlib>
 #include <cstring>
+#include <ctime>
 #include <new>
 
 #include "tests/support/liveblocks.h"
@@ -44,7 +50,10 @@ bool CallTrace::fails(const char* function) {
   ++made_;
   const bool due = failing_ == Failing::once ? made_ == nth_ : made_ >= nth_;
   const bool failing = nth_ != 0 && due;
-  if (failing) ++failures_;
+  if (failing) {
+    ++failures_;
+    failed_ = function;
+  }
   last_ = function;
   return failing;
 }
@@ -122,9 +131,25 @@ ORB_TRACED(off_t, lseek64, "lseek", -1, ESPIPE, (int file, off_t distance, int w
 ORB_TRACED(int, ftruncate64, "ftruncate", -1, EIO, (int file, off_t size), (file, size))
 ORB_TRACED(int, fstat64, "fstat", -1, EIO, (int file, struct stat* status), (file, status))
 ORB_TRACED(int, stat64, "stat", -1, EACCES, (const char* path, struct stat* status), (path, status))
+ORB_TRACED(int, lstat64, "lstat", -1, EACCES, (const char* path, struct stat* status),
+           (path, status))
+ORB_TRACED(int, fstatat64, "fstatat", -1, EACCES,
+           (int folder, const char* path, struct stat* status, int flags),
+           (folder, path, status, flags))
 ORB_TRACED(int, mkstemp64, "mkstemp", -1, EMFILE, (char* pattern), (pattern))
 ORB_TRACED(int, rename, "rename", -1, EACCES, (const char* from, const char* to), (from, to))
 ORB_TRACED(int, remove, "remove", -1, EACCES, (const char* path), (path))
+ORB_TRACED(int, mkdir, "mkdir", -1, EACCES, (const char* path, mode_t mode), (path, mode))
+ORB_TRACED(int, rmdir, "rmdir", -1, EACCES, (const char* path), (path))
+ORB_TRACED(int, unlinkat, "unlinkat", -1, EACCES, (int folder, const char* path, int flags),
+           (folder, path, flags))
+ORB_TRACED(ssize_t, readlink, "readlink", -1, EACCES, (const char* path, char* text, size_t size),
+           (path, text, size))
+ORB_TRACED(char*, getcwd, "getcwd", nullptr, ENOENT, (char* path, size_t size), (path, size))
+ORB_TRACED(int, statfs64, "statfs", -1, EACCES, (const char* path, struct statfs* answer),
+           (path, answer))
+ORB_TRACED(ssize_t, sendfile64, "sendfile", -1, EIO,
+           (int to, int from, off_t* offset, size_t count), (to, from, offset, count))
 ORB_TRACED_BEHIND(int, close, "close", -1, EIO, (int file), (file))
 ORB_TRACED(DIR*, opendir, "opendir", nullptr, EMFILE, (const char* path), (path))
 ORB_TRACED(struct dirent*, readdir64, "readdir", nullptr, EIO, (DIR * folder), (folder))
@@ -133,6 +158,31 @@ ORB_TRACED(void*, dlopen, "dlopen", nullptr, ENOENT, (const char* path, int mode
 ORB_TRACED(void*, dlsym, "dlsym", nullptr, ENOENT, (void* library, const char* name),
            (library, name))
 ORB_TRACED_BEHIND(int, dlclose, "dlclose", -1, EINVAL, (void* library), (library))
+
+ORB_TRACED(long, sysconf, "sysconf", -1, EINVAL, (int name), (name))
+ORB_TRACED(int, clock_gettime, "clock_gettime", -1, EINVAL, (clockid_t clock, timespec* now),
+           (clock, now))
+ORB_TRACED(tm*, localtime_r, "localtime_r", nullptr, EOVERFLOW, (const time_t* time, tm* broken),
+           (time, broken))
+ORB_TRACED(tm*, gmtime_r, "gmtime_r", nullptr, EOVERFLOW, (const time_t* time, tm* broken),
+           (time, broken))
+// Functions that look accounts up return the code.
+ORB_TRACED(int, getpwnam_r, "getpwnam_r", EIO, EIO,
+           (const char* name, passwd* account, char* texts, size_t size, passwd** found),
+           (name, account, texts, size, found))
+
+int __real_uname(utsname* names);
+int __wrap_uname(utsname* names);
+int __wrap_uname(utsname* names) {
+  if (fails("uname", EFAULT)) return -1;
+  const int result = __real_uname(names);
+  // The machine's own may be short enough to be kept without memory.
+  if (trace != nullptr) {
+    for (char* name : {names->nodename, names->machine, names->release})
+      strcpy(name, "a-name-longer-than-a-text-object");
+  }
+  return result;
+}
 
 int __real_open64(const char* path, int flags, mode_t mode);
 int __wrap_open64(const char* path, int flags, ...);

@@ -32,6 +32,8 @@ class CallTrace {
 
   size_t calls() const { return made_; }
   size_t failures() const { return failures_; }
+  // The name of the last call that failed. "" before the first.
+  const char* failed() const { return failed_; }
   // The name of call `index` (from 0) and, behind a "#", which one of its name it is: "malloc#2".
   std::string call(size_t index) const;
   // The last call made; safe while the traced thread runs. "" before the first.
@@ -48,6 +50,7 @@ class CallTrace {
   size_t made_ = 0;
   std::atomic<size_t> failures_{0};
   std::atomic<const char*> last_{""};
+  const char* failed_ = "";
 };
 
 // While it lives, memory that this thread asks for and nobody gives back is counted. Scopes do not

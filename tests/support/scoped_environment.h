@@ -36,19 +36,19 @@ class ScopedEnvironment {
 // The same for TZ, with the C library told of it at both ends.
 class ScopedTimeZone {
  public:
-  explicit ScopedTimeZone(const std::optional<std::string>& zone) {
-    variable_.emplace("TZ", zone);
+  explicit ScopedTimeZone(const std::optional<std::string>& zone) : variable_("TZ", zone) {
     tzset();
   }
-  ~ScopedTimeZone() {
-    variable_.reset();
-    tzset();
-  }
+  ~ScopedTimeZone() = default;
   ScopedTimeZone(const ScopedTimeZone&) = delete;
   ScopedTimeZone& operator=(const ScopedTimeZone&) = delete;
 
  private:
-  std::optional<ScopedEnvironment> variable_;
+  struct TellingAtTheEnd {
+    ~TellingAtTheEnd() { tzset(); }
+  };
+  TellingAtTheEnd telling_;  // destroyed behind the variable
+  ScopedEnvironment variable_;
 };
 
 }  // namespace orbtest

@@ -104,6 +104,12 @@ struct Torture {
   size_t kept = 0;  // blocks that stay allocated when nothing fails
 };
 
+// The row of a function that asks for nothing.
+template <class Call>
+Torture plain_row(const char* function, const char* answer, Call call) {
+  return {function, "", answer, [call](Trial& trial) { trial.call(call); }};
+}
+
 // Tortures one row; failures are test failures that name row and call.
 void torture(const Torture& row);
 

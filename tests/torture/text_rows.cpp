@@ -9,42 +9,37 @@
 namespace {
 
 using namespace quillon_com::orb;
+using orbtest::plain_row;
 using orbtest::Torture;
 using orbtest::Trial;
-
-// A function that asks for nothing: one row without faults.
-template <class Call>
-Torture plain(const char* function, const char* answer, Call call) {
-  return {function, "", answer, [call](Trial& trial) { trial.call(call); }};
-}
 
 char digits[80];
 
 const orbtest::Tortures numbers({
-    plain("voxItoa", "made", [] { return static_cast<void*>(voxItoa(-7, digits, 10)); }),
-    plain("voxItot", "made", [] { return static_cast<void*>(voxItot(7, digits, 8)); }),
-    plain("voxUltot", "made", [] { return static_cast<void*>(voxUltot(7, digits, 16)); }),
-    plain("voxI64toa", "made", [] { return static_cast<void*>(voxI64toa(7, digits, 16)); }),
-    plain("voxI64tot", "made", [] { return static_cast<void*>(voxI64tot(7, digits, 8)); }),
-    plain("voxTtoi64", "12", [] { return voxTtoi64("12"); }),
-    plain("voxAtoi64", "12", [] { return voxAtoi64("12"); }),
-    plain("voxTstrtok_r", "a",
-          [] {
-            static char text[] = "a b";
-            char* rest = nullptr;
-            text[1] = ' ';
-            return static_cast<const char*>(voxTstrtok_r(text, " ", &rest));
-          }),
-    plain("voxStandardUtoA", "2",
-          [] {
-            char narrow[8];
-            return voxStandardUtoA(L"ab", 8, narrow);
-          }),
-    plain("voxStandardAtoU", "2",
-          [] {
-            wchar_t wide[8];
-            return voxStandardAtoU("ab", 8, wide);
-          }),
+    plain_row("voxItoa", "made", [] { return static_cast<void*>(voxItoa(-7, digits, 10)); }),
+    plain_row("voxItot", "made", [] { return static_cast<void*>(voxItot(7, digits, 8)); }),
+    plain_row("voxUltot", "made", [] { return static_cast<void*>(voxUltot(7, digits, 16)); }),
+    plain_row("voxI64toa", "made", [] { return static_cast<void*>(voxI64toa(7, digits, 16)); }),
+    plain_row("voxI64tot", "made", [] { return static_cast<void*>(voxI64tot(7, digits, 8)); }),
+    plain_row("voxTtoi64", "12", [] { return voxTtoi64("12"); }),
+    plain_row("voxAtoi64", "12", [] { return voxAtoi64("12"); }),
+    plain_row("voxTstrtok_r", "a",
+              [] {
+                static char text[] = "a b";
+                char* rest = nullptr;
+                text[1] = ' ';
+                return static_cast<const char*>(voxTstrtok_r(text, " ", &rest));
+              }),
+    plain_row("voxStandardUtoA", "2",
+              [] {
+                char narrow[8];
+                return voxStandardUtoA(L"ab", 8, narrow);
+              }),
+    plain_row("voxStandardAtoU", "2",
+              [] {
+                wchar_t wide[8];
+                return voxStandardAtoU("ab", 8, wide);
+              }),
     // Texts that overlap need a copy, on the heap when they are long.
     {"voxcomn_unicode_to_utf8",
      "",
@@ -70,7 +65,7 @@ const orbtest::Tortures numbers({
        trial.call([&] { return voxcomn_utf8_to_unicode(narrow, text.data(), &size); });
      },
      {{"malloc", "2147483656"}}},
-    plain("quillon_com::orb::isBigEndian()", "0", [] { return isBigEndian(); }),
+    plain_row("quillon_com::orb::isBigEndian()", "0", [] { return isBigEndian(); }),
 });
 
 // Texts beyond every buffer on the stack, so that memory is asked for.
