@@ -97,10 +97,10 @@ struct Round {
   void advance() { index = index + 1 == count ? 0 : index + 1; }
 };
 
-// What a wait gives whose single wait on the handle at `index` gave `result`, not WAIT_TIMEOUT.
+// What a wait gives whose single wait on the handle at `index` gave `result`, not WAIT_TIMEOUT:
+// what is no success is passed on.
 uint64_t outcome(uint64_t result, uint64_t index) {
-  if (result == WAIT_OBJECT_0) return WAIT_OBJECT_0 + index;
-  return result == WAIT_ABANDONED ? WAIT_ABANDONED : WAIT_FAILED;
+  return result == WAIT_OBJECT_0 ? WAIT_OBJECT_0 + index : result;
 }
 
 // Whether one of the next `turns` turns would end the wait if nothing changed but the clock, found

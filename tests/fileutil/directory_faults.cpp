@@ -2,6 +2,7 @@
 #include "tests/fileutil/directory_faults.h"
 
 #include <dirent.h>
+#include <sys/stat.h>
 
 #include <cerrno>
 
@@ -16,6 +17,7 @@ struct Script {
 
 thread_local Script script;
 thread_local bool untyped = false;
+thread_local bool closed = false;
 
 }  // namespace
 
@@ -25,12 +27,15 @@ DirectoryFaults::DirectoryFaults(size_t reads, bool closing) { script = {reads, 
 DirectoryFaults::~DirectoryFaults() { script = {}; }
 size_t DirectoryFaults::failures() const { return script.failures; }
 
-UntypedEntries::UntypedEntries() { untyped = true; }
-UntypedEntries::~UntypedEntries() { untyped = false; }
+UntypedEntries::UntypedEntries(bool examinable) {
+  untyped = true;
+  closed = !examinable;
+}
+UntypedEntries::~UntypedEntries() { untyped = closed = false; }
 
 }  // namespace orbtest
 
-// The library is built for long file offsets, where this is what readdir stands for.
+// The library is built for long file offsets, where these are what readdir and fstatat stand for.
 extern "C" {
 
 dirent64* __real_readdir64(DIR* stream);
@@ -45,6 +50,14 @@ dirent64* __wrap_readdir64(DIR* stream) {
   ++script.failures;
   errno = EIO;
   return nullptr;
+}
+
+int __real_fstatat64(int folder, const char* name, struct stat* status, int flags);
+
+int __wrap_fstatat64(int folder, const char* name, struct stat* status, int flags) {
+  if (!closed) return __real_fstatat64(folder, name, status, flags);
+  errno = EACCES;
+  return -1;
 }
 
 int __wrap_closedir(DIR* stream) {

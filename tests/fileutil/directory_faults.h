@@ -18,10 +18,11 @@ class DirectoryFaults {
   size_t failures() const;  // of both kinds
 };
 
-// While it lives, this thread reads entries that state no type.
+// While it lives, this thread reads entries that state no type, and cannot ask for it either unless
+// they are `examinable`: fstatat gives -1 with EACCES.
 class UntypedEntries {
  public:
-  UntypedEntries();
+  explicit UntypedEntries(bool examinable = true);
   ~UntypedEntries();
   UntypedEntries(const UntypedEntries&) = delete;
   UntypedEntries& operator=(const UntypedEntries&) = delete;

@@ -10,8 +10,10 @@
 #include <thread>
 #include <vector>
 
+#include "fileutil/direntsearch.h"
 #include "tests/fileutil/directory_faults.h"
 #include "tests/fileutil/search_scope.h"
+#include "tests/support/callfaults.h"
 #include "tests/support/faults.h"
 
 namespace {
@@ -124,6 +126,9 @@ TEST_F(DirEnt, NumbersThatAreNoSearchAreBadArguments) {
     word_.clear();
     EXPECT_EQ(0, voxFindCloseDirEnt(handle)) << handle;
     EXPECT_EQ(22, word_.stored()) << handle;
+    word_.clear();
+    EXPECT_EQ(nullptr, quillon_com::orb::fileutil::search_stream(handle)) << handle;
+    EXPECT_EQ(22, word_.stored()) << handle;
   }
   EXPECT_EQ(1, voxFindCloseDirEnt(open));
 }
@@ -213,6 +218,21 @@ TEST(DirEntFirstCall, EmptiesTheTable) {
         pDirEntTable[0] = &stranger;
         const int second = voxFindFirstDirEnt("/*", &record);
         exit(failed == -1 && emptied && second == 2 ? 0 : 1);
+      },
+      testing::ExitedWithCode(0), "");
+}
+
+// Of two threads that both come first, the slower one finds the table emptied and in use.
+TEST(DirEntFirstCall, EmptiesTheTableOnce) {
+  GTEST_FLAG_SET(death_test_style, "threadsafe");
+  EXPECT_EXIT(
+      {
+        FindDataDirEnt record;
+        int faster = 0;
+        const orbtest::BeforeCall before("pthread_mutex_lock",
+                                         [&] { faster = voxFindFirstDirEnt("/*", &record); });
+        const int slower = voxFindFirstDirEnt("/*", &record);
+        exit(faster == 1 && slower == 2 && voxFindCloseDirEnt(faster) == 1 ? 0 : 1);
       },
       testing::ExitedWithCode(0), "");
 }

@@ -16,6 +16,7 @@
 #include <vector>
 
 #include "fileutil/guidgenerator.h"
+#include "tests/support/callfaults.h"
 #include "tests/support/child_process.h"
 #include "tests/support/fake_system.h"
 #include "tests/support/faults.h"
@@ -108,6 +109,15 @@ TEST_F(Guid, TheFirstNodeIsRandomWithItsHighestBitSet) {
 TEST_F(Guid, QuirkLaterNodesAreZero) {
   at(2, 0);
   for (int i = 0; i < 5; ++i) EXPECT_EQ(Bytes(6, 0), bytes_of(at(2, i), 10, 6));
+}
+
+// Of two threads that both make the first GUID, the faster one gets the node.
+TEST_F(Guid, OneOfTwoThatAreFirstAtOnceHasANode) {
+  voxGuid faster{};
+  const orbtest::BeforeCall before("pthread_mutex_lock", [&] { faster = at(2, 0); });
+  const voxGuid slower = at(2, 0);
+  EXPECT_NE(Bytes(6, 0), bytes_of(faster, 10, 6));
+  EXPECT_EQ(Bytes(6, 0), bytes_of(slower, 10, 6));
 }
 
 TEST_F(Guid, NothingIsRandomBehindTheFirst) {

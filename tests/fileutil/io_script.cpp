@@ -52,6 +52,14 @@ ssize_t __wrap_sendfile64(int to, int from, off64_t* offset, size_t size) {
   return __real_sendfile64(to, from, offset, size);
 }
 
+char* __real_getcwd(char* buffer, size_t size);
+
+char* __wrap_getcwd(char* buffer, size_t size) {
+  if (script == nullptr || !script->working_folder) return __real_getcwd(buffer, size);
+  buffer[script->working_folder->copy(buffer, size - 1)] = '\0';
+  return buffer;
+}
+
 int __wrap_close(int descriptor) {
   size_t nothing = 0;
   const int result = __real_close(descriptor);

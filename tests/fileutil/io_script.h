@@ -3,6 +3,8 @@
 
 #include <cstddef>
 #include <deque>
+#include <optional>
+#include <string>
 
 namespace orbtest {
 
@@ -23,7 +25,8 @@ class IoScript {
   IoScript& operator=(const IoScript&) = delete;
 
   std::deque<IoAnswer> reads, writes, closes;
-  std::deque<IoAnswer> kernel_copies;  // sendfile's
+  std::deque<IoAnswer> kernel_copies;         // sendfile's
+  std::optional<std::string> working_folder;  // what getcwd tells; the system's own when empty
 };
 
 }  // namespace orbtest

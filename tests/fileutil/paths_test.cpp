@@ -11,6 +11,7 @@
 #include <string>
 #include <type_traits>
 
+#include "tests/fileutil/io_script.h"
 #include "tests/support/faults.h"
 #include "tests/support/forked_child.h"
 #include "tests/support/plain_flatten.h"
@@ -153,6 +154,12 @@ TEST(Flattener, AWorkingFolderBeyond1023BytesCannotBeHad) {
     const ScopedWorkingFolder inside(deep);
     EXPECT_EQ(length == 1023 ? deep + "/a" : "/a", flat("a")) << length;
   }
+}
+
+TEST(Flattener, AWorkingFolderOutsideTheRootCannotBeHad) {
+  orbtest::IoScript script;
+  script.working_folder = "(unreachable)/folder";
+  EXPECT_EQ("/a", flat("a"));
 }
 
 TEST(Flattener, AWorkingFolderThatIsGoneCannotBeHad) {

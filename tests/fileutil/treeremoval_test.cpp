@@ -63,6 +63,14 @@ TEST_F(TreeRemoval, EntriesWithoutATypeAreLookedAt) {
   EXPECT_EQ((Names{"target", "tree", "tree/link"}), left());
 }
 
+TEST_F(TreeRemoval, AnEntryThatCannotBeExaminedIsTakenForAFile) {
+  folder_.write("tree/file", "");
+  folder_.write("tree/in/file", "");
+  const orbtest::UntypedEntries untyped(false);
+  remove("tree");
+  EXPECT_EQ((Names{"tree", "tree/in", "tree/in/file"}), left());
+}
+
 TEST_F(TreeRemoval, AnEmptyDirectoryGoes) {
   folder_.make_dir("tree");
   remove("tree");

@@ -4,6 +4,7 @@
 #include <dlfcn.h>
 #include <gtest/gtest.h>
 
+#include <atomic>
 #include <cerrno>
 #include <cstddef>
 #include <cstring>
@@ -267,6 +268,28 @@ TEST_F(DynLib, ReleaseWhoseUnloadFailsForgetsTheLibrary) {
   EXPECT_EQ(0, voxFreeLibrary(library));
   EXPECT_EQ(0u, loaded());
   EXPECT_EQ(0, nErrno);
+}
+
+// The other thread has found the library in the table when this one takes it out.
+TEST_F(DynLib, ALibraryThatAnotherThreadReleasesMeanwhileIsABadArgument) {
+  std::atomic<bool> found{false};
+  std::thread other;
+  void* library = nullptr;
+  int freed = -1;
+  const orbtest::PluginHook hook([&](void*, uint32_t reason, void*) {
+    if (reason == 1) return 1;
+    other = std::thread([&] {
+      const orbtest::AfterCall after("pthread_mutex_unlock", [&] { found = true; });
+      freed = voxFreeLibrary(library);
+    });
+    while (!found) std::this_thread::yield();
+    return 1;
+  });
+  library = voxLoadLibrary(kHookedPlugin, nullptr);
+  EXPECT_EQ(1, voxFreeLibrary(library));
+  other.join();
+  EXPECT_EQ(0, freed);
+  EXPECT_EQ(22, nErrno);
 }
 
 TEST_F(DynLib, SymbolsAreLookedUp) {

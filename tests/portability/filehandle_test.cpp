@@ -254,6 +254,16 @@ TEST_F(FileHandle, ReadsAndWritesOnce) {
   EXPECT_EQ(1, voxCloseHandle(handle));
 }
 
+TEST_F(FileHandle, CountsNeedNotBeAskedFor) {
+  char buffer[4] = "";
+  _voxHandleObject_t* handle = open_file(folder_.path("file"), kBoth, kCreateNew);
+  EXPECT_EQ(1, voxWriteFile(handle, "abc", 3, nullptr, nullptr));
+  EXPECT_EQ(0, voxSetFilePointer(handle, 0, nullptr, 0));
+  EXPECT_EQ(1, voxReadFile(handle, buffer, sizeof buffer, nullptr, nullptr));
+  EXPECT_STREQ("abc", buffer);
+  EXPECT_EQ(1, voxCloseHandle(handle));
+}
+
 TEST_F(FileHandle, HandlesWithoutFileRecordStore22) {
   char byte = 0;
   uint32_t count = 7;

@@ -19,85 +19,14 @@
 #include "portability/selock.h"
 #include "portability/signals.h"
 #include "portability/threads.h"
-#include "tests/portability/attached.h"
-#include "tests/portability/handle_scope.h"
-#include "tests/portability/plugin_hook.h"
+#include "tests/portability/library_use.h"
 #include "tests/support/callfaults.h"
 #include "tests/support/forked_child.h"
 
 namespace {
 
-using orbtest::AfterCall;
-using orbtest::outcome_in_child;
+using namespace orbtest;
 using quillon_com::orb::LogInSystemLog;
-
-void use_interlocked() {
-  long word = 41;
-  EXPECT_EQ(42, voxInterlockedIncrement(&word));
-  EXPECT_EQ(41, voxInterlockedDecrement(&word));
-  EXPECT_EQ(41, voxInterlockedExchange(&word, 0));
-  vxSL_Get(&word);
-  EXPECT_EQ(1, word);
-  vxSL_Release(&word);
-  EXPECT_EQ(0, word);
-}
-
-void use_slots() {
-  const int64_t slot = voxTlsAlloc();
-  ASSERT_LE(0, slot);
-  EXPECT_EQ(getpid(), nTlsOwnerTable[slot]);
-  EXPECT_EQ(1, voxTlsSetValue(static_cast<uint32_t>(slot), pTlsKeyTable));
-  EXPECT_EQ(1, voxTlsFree(static_cast<uint32_t>(slot)));
-}
-
-void use_libraries() {
-  char* message = nullptr;
-  void* library = voxLoadLibrary(orbtest::kPlainPlugin, &message);
-  ASSERT_NE(nullptr, library);
-  EXPECT_NE(nullptr, voxGetProcAddress(library, "loadString", &message));
-  EXPECT_EQ(1, voxDisableThreadLibraryCalls(library));
-  EXPECT_EQ(1, voxFreeLibrary(library));
-  wchar_t* wide = nullptr;
-  EXPECT_EQ(nullptr, voxLoadLibraryW(L"/no such library", &wide));
-  EXPECT_NE(L'\0', *wide);
-}
-
-void use_searches() {
-  FindDataDirEnt found{};
-  const int search = voxFindFirstDirEnt("/*", &found);
-  EXPECT_LE(1, search);
-  EXPECT_EQ(1, voxFindCloseDirEnt(search));
-}
-
-void use_stamps() { EXPECT_EQ(19u, quillon_com::orb::voxcomn_get_time_stamp_ansi().size()); }
-
-void use_log() { EXPECT_TRUE(LogInSystemLog(7, "a forked child")); }
-
-void use_locks() {
-  _vxSELock_t* lock = nullptr;
-  ASSERT_EQ(0u, vxSO_SELockCreate(&lock));
-  EXPECT_EQ(1, vxSO_SELockExclusive(lock, 1));
-  EXPECT_EQ(1, vxSO_SELockRelease(lock));
-  vxSO_Release(lock);
-}
-
-void use_threads() {
-  orbtest::Handle thread(voxBeginThread(
-      nullptr, 0, [](void* argument) { return argument; }, nullptr, 0, nullptr));
-  ASSERT_NE(reinterpret_cast<_voxHandleObject_t*>(intptr_t{-1}), thread.get());
-  EXPECT_EQ(uint64_t{WAIT_OBJECT_0}, voxWaitForSingleObject(thread.get(), INFINITE));
-}
-
-void use_everything() {
-  use_interlocked();
-  use_slots();
-  use_libraries();
-  use_searches();
-  use_stamps();
-  use_log();
-  use_locks();
-  use_threads();
-}
 
 // A thread that is stopped in the middle of `work`, as soon as that calls `stop`.
 class StoppedThread {
@@ -161,11 +90,11 @@ const HeldCase kHeld[] = {
      }},
     {"LibraryListInAnEntryPoint",
      [](std::function<void()> stop) {
-       const orbtest::PluginHook hook([&](void*, uint32_t reason, void*) {
+       const PluginHook hook([&](void*, uint32_t reason, void*) {
          if (reason == 1) stop();
          return 1;
        });
-       voxFreeLibrary(voxLoadLibrary(orbtest::kHookedPlugin, nullptr));
+       voxFreeLibrary(voxLoadLibrary(kHookedPlugin, nullptr));
      }},
     {"LibraryTable",
      [](std::function<void()> stop) {
@@ -209,26 +138,6 @@ TEST_P(Fork, LeavesTheChildWhatAnotherThreadHeld) {
 INSTANTIATE_TEST_SUITE_P(Locks, Fork, testing::ValuesIn(kHeld),
                          [](const auto& held) { return std::string(held.param.name); });
 
-class ForkOfLocks : public orbtest::AttachedTest {
- protected:
-  void SetUp() override {
-    AttachedTest::SetUp();
-    ASSERT_EQ(0u, vxSO_SELockCreate(&lock_));
-  }
-  void TearDown() override {
-    vxSO_Release(lock_);
-    AttachedTest::TearDown();
-  }
-  void expect_free() {
-    EXPECT_EQ(0, lock_->spin);
-    EXPECT_EQ(0u, lock_->count);
-    EXPECT_EQ(1, vxSO_SELockExclusive(lock_, 1));
-    EXPECT_EQ(1, vxSO_SELockRelease(lock_));
-  }
-
-  _vxSELock_t* lock_ = nullptr;
-};
-
 int32_t run(void* body, uint32_t, void*, void*) {
   (*static_cast<std::function<void()>*>(body))();
   return 0;
@@ -236,12 +145,12 @@ int32_t run(void* body, uint32_t, void*, void*) {
 
 TEST_F(ForkOfLocks, LeavesTheChildASpinWordThatAnotherThreadHeld) {
   const StoppedThread other([this](std::function<void()> stop) {
-    const orbtest::AttachedThread self;
+    const AttachedThread self;
     ASSERT_EQ(1, vxSO_SELockExclusive(lock_, 0));
     std::function<void()> stop_here = [&, here = getpid()] {
       if (getpid() == here) stop();  // the child has the notification too
     };
-    orbtest::attached([&] {
+    attached([&] {
       EXPECT_EQ(0, vxSO_SELockExclusiveNotify(lock_, run, &stop_here, nullptr));
     }).join();
     EXPECT_EQ(1, vxSO_SELockRelease(lock_));  // stops in the notification
@@ -260,15 +169,47 @@ TEST_F(ForkOfLocks, OfANotificationLeavesItsThreadTheSpinWord) {
               }));
     EXPECT_EQ(1, lock_->spin);
   };
-  orbtest::attached([&] { vxSO_SELockExclusiveNotify(lock_, run, &told, nullptr); }).join();
+  attached([&] { vxSO_SELockExclusiveNotify(lock_, run, &told, nullptr); }).join();
   EXPECT_EQ(1, vxSO_SELockRelease(lock_));
   expect_free();
+}
+
+// The thread runs the notifications of two locks, one within the other.
+TEST_F(ForkOfLocks, OfANotificationWithinOneLeavesItsThreadBothSpinWords) {
+  const Lock inner;
+  std::function<void()> told_of_inner = [&] {
+    EXPECT_EQ("", outcome_in_child([&] {
+                EXPECT_EQ(1, lock_->spin);
+                EXPECT_EQ(1, inner->spin);
+                use_locks();
+              }));
+  };
+  std::function<void()> told = [&] { EXPECT_EQ(1, vxSO_SELockRelease(inner.get())); };
+  ASSERT_EQ(1, vxSO_SELockExclusive(lock_, 0));
+  ASSERT_EQ(1, vxSO_SELockExclusive(inner.get(), 0));
+  attached([&] {
+    vxSO_SELockExclusiveNotify(lock_, run, &told, nullptr);
+    vxSO_SELockExclusiveNotify(inner.get(), run, &told_of_inner, nullptr);
+  }).join();
+  EXPECT_EQ(1, vxSO_SELockRelease(lock_));
+  EXPECT_EQ(0, inner->spin);
+  expect_free();
+}
+
+TEST(ForkPatience, EndsWhenAFlagStaysSet) {
+  std::atomic_flag flag = ATOMIC_FLAG_INIT;
+  quillon_com::orb::portability::ForkPatience patience;
+  EXPECT_TRUE(patience.take(&flag));
+  EXPECT_FALSE(patience.take(&flag));
+  EXPECT_FALSE(patience.wait()) << "used up";
+  flag.clear();
+  EXPECT_TRUE(patience.take(&flag)) << "asks for none";
 }
 
 TEST_F(ForkOfLocks, LeavesNobodyInTheChildsQueues) {
   for (int exclusive : {0, 1}) {
     ASSERT_EQ(1, vxSO_SELockExclusive(lock_, 0));
-    std::thread waiter = orbtest::attached([&] {
+    std::thread waiter = attached([&] {
       EXPECT_EQ(1, vxSO_SELock(lock_, exclusive, 1));
       EXPECT_EQ(1, vxSO_SELockRelease(lock_));
     });
@@ -294,11 +235,11 @@ TEST_F(ForkOfLocks, LeavesNobodyInTheChildsQueues) {
 
 TEST(ForkInAnEntryPoint, LeavesItsThreadTheLibraryList) {
   pid_t child = -1;
-  const orbtest::PluginHook hook([&](void*, uint32_t reason, void*) {
+  const PluginHook hook([&](void*, uint32_t reason, void*) {
     if (reason == 1) child = fork();
     return 1;
   });
-  void* library = voxLoadLibrary(orbtest::kHookedPlugin, nullptr);
+  void* library = voxLoadLibrary(kHookedPlugin, nullptr);
   ASSERT_NE(nullptr, library);
   if (child == 0) {
     alarm(60);
@@ -313,51 +254,13 @@ TEST(ForkInAnEntryPoint, LeavesItsThreadTheLibraryList) {
   EXPECT_EQ(1, voxFreeLibrary(library));
 }
 
-// A caller's own fork handlers, there before the library's. They do nothing unless a test asks.
-struct CallersHandlers {
-  using Step = std::function<void()>;
-  CallersHandlers() {
-    pthread_atfork([] { run_step(prepare); }, [] { run_step(behind); }, [] { run_step(behind); });
-  }
-  static void run_step(const Step& step) {
-    if (step) step();
-  }
-  static inline Step prepare, behind;
-};
-const CallersHandlers callers_handlers;
-
-TEST_F(ForkOfLocks, LetsHandlersOfTheCallerUseTheLibrary) {
-  int ran = 0;
-  CallersHandlers::prepare = [&] {
-    ++ran;
-    use_interlocked();
-    use_slots();
-    use_libraries();
-    use_locks();
-    EXPECT_EQ(1, vxSO_SELockExclusive(lock_, 0));
-  };
-  CallersHandlers::behind = [&] {
-    ++ran;
-    use_slots();
-    EXPECT_EQ(1, vxSO_SELockRelease(lock_));
-  };
-  EXPECT_EQ("", outcome_in_child([&] {
-              EXPECT_EQ(2, ran);
-              expect_free();
-              use_everything();
-            }));
-  CallersHandlers::prepare = CallersHandlers::behind = nullptr;
-  EXPECT_EQ(2, ran);
-  expect_free();
-}
-
 TEST_F(ForkOfLocks, WhileOthersUseEverythingLeavesTheChildEverything) {
   if (std::string_view(ORB_SANITIZERS).find("address") != std::string_view::npos)
     GTEST_SKIP() << "the address sanitizer's own allocator stays locked in such a child";
   std::atomic<bool> done{false};
   std::vector<std::thread> others;
   for (int each = 0; each < 2; ++each) {
-    others.push_back(orbtest::attached([&] {
+    others.push_back(attached([&] {
       while (!done) {
         use_interlocked();
         use_slots();

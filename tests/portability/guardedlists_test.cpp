@@ -19,6 +19,8 @@ struct OneLink {
   static constexpr auto head = vxSLL_XGetHead;
   static constexpr auto unlock = vxSLL_LockRelease;
   static constexpr auto insert = vxSLL_XInsertHead;
+  static constexpr auto insert_last = vxSLL_XInsertHead;
+  static constexpr auto is_empty = vxSLL_IsEmpty;
   static void* remove(List* list, int) { return vxSLL_XRemoveHead(list); }
 };
 
@@ -29,6 +31,8 @@ struct TwoLinks {
   static constexpr auto head = vxSLL2_XGetHead;
   static constexpr auto unlock = vxSLL2_LockRelease;
   static constexpr auto insert = vxSLL2_XInsertHead;
+  static constexpr auto insert_last = vxSLL2_XInsertTail;
+  static constexpr auto is_empty = vxSLL2_IsEmpty;
   static void* remove(List* list, int round) {
     return round % 2 == 0 ? vxSLL2_XRemoveHead(list) : vxSLL2_XRemoveTail(list);
   }
@@ -83,6 +87,27 @@ TYPED_TEST(GuardedList, OperationsExcludeEachOther) {
   int left = 0;
   while (TypeParam::remove(this->list_, left) != nullptr) ++left;
   EXPECT_EQ(4, left);
+}
+
+// Without an event a thread cannot wait for another's hold.
+TYPED_TEST(GuardedList, IsOutOfReachOfAThreadWithoutAnEventWhileItIsHeld) {
+  Item kept{};
+  Item item{};
+  TypeParam::insert(this->list_, &kept);
+  TypeParam::head(this->list_, 1, 1);
+  std::thread([&] {
+    TypeParam::insert(this->list_, &item);
+    TypeParam::insert_last(this->list_, &item);
+    EXPECT_EQ(nullptr, TypeParam::remove(this->list_, 0));
+    EXPECT_EQ(nullptr, TypeParam::remove(this->list_, 1));
+    EXPECT_EQ(0, TypeParam::is_empty(this->list_));
+  }).join();
+  TypeParam::unlock(this->list_);
+  EXPECT_EQ(&kept, TypeParam::remove(this->list_, 0));
+  EXPECT_EQ(nullptr, TypeParam::remove(this->list_, 0));
+  TypeParam::head(this->list_, 1, 1);
+  std::thread([&] { EXPECT_EQ(0, TypeParam::is_empty(this->list_)) << "not known"; }).join();
+  TypeParam::unlock(this->list_);
 }
 
 TYPED_TEST(GuardedList, QuirkCreationWithoutMemoryForTheLockGivesZero) {

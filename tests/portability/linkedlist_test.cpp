@@ -184,6 +184,20 @@ TEST_F(LinkedList, RemovalBeyondTheLinksEndsTheProcess) {
               report("LinkedList_RemoveAt", 245, "lpItem"));
 }
 
+TEST_F(LinkedList, RemovalOfAFirstItemThatIsNotThereEndsTheProcess) {
+  fill(2);
+  list_->head = nullptr;
+  EXPECT_EXIT(LinkedList_RemoveAt(list_, 0), testing::KilledBySignal(SIGABRT),
+              report("LinkedList_RemoveAt", 245, "lpItem"));
+}
+
+TEST_F(LinkedList, RemoveTailOfACountWithoutATailGivesNull) {
+  fill(2);
+  list_->lpTail = nullptr;
+  EXPECT_EQ(nullptr, LinkedList_RemoveTail(list_));
+  EXPECT_EQ(2u, list_->count);
+}
+
 TEST_F(LinkedList, RemovalOfALastItemWithoutTailEndsTheProcess) {
   fill(2);
   list_->lpTail = nullptr;

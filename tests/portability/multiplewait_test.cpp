@@ -138,6 +138,17 @@ TEST(MultipleWait, FailsWithTheSingleWait) {
   EXPECT_EQ(faults.calls(), 2u);
 }
 
+TEST(MultipleWait, PassesByAMutexThatWasSetWhileItIsOwned) {
+  Handle mutex = make_mutex(true);
+  EXPECT_EQ(voxSetEvent(mutex.get()), 1);
+  Handle event = make_event();
+  void* handles[] = {mutex.get(), event.get()};
+  EXPECT_EQ(voxWaitForMultipleObjects(2, handles, 0, 20), kTimeout);
+  EXPECT_EQ(voxSetEvent(event.get()), 1);
+  EXPECT_EQ(voxWaitForMultipleObjects(2, handles, 0, 20), 3u);
+  EXPECT_EQ(voxReleaseMutex(mutex.get()), 1);
+}
+
 TEST(MultipleWait, TakesAMutexThatItFinds) {
   Handle unset = make_event();
   Handle mutex = make_mutex();

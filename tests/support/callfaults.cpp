@@ -34,20 +34,26 @@ int failure_of(std::string_view function) {
   return watch.code;
 }
 
-struct Follower {
+// What is to be done beside a call.
+struct Companion {
   std::string_view function;
   std::function<void()> action;
   size_t nth = 1;
-  size_t answered = 0;
+  size_t seen = 0;
+
+  void accompany(std::string_view call) {
+    if (function != call || ++seen != nth) return;
+    function = {};
+    action();
+  }
 };
 
-thread_local Follower follower;
+thread_local Companion leader;
+thread_local Companion follower;
 
 // Passes on the result of a call of `function`, once what is to follow it is done.
 int followed(std::string_view function, int result) {
-  if (follower.function != function || ++follower.answered != follower.nth) return result;
-  follower.function = {};
-  follower.action();
+  follower.accompany(function);
   return result;
 }
 
@@ -67,6 +73,11 @@ AfterCall::AfterCall(std::string_view function, std::function<void()> action, si
 }
 AfterCall::~AfterCall() { follower = {}; }
 
+BeforeCall::BeforeCall(std::string_view function, std::function<void()> action, size_t nth) {
+  leader = {function, std::move(action), nth, 0};
+}
+BeforeCall::~BeforeCall() { leader = {}; }
+
 StoppedClock::StoppedClock(time_t seconds, long microseconds) {
   stopped_at = {seconds, microseconds};
   clock_stopped = true;
@@ -81,6 +92,7 @@ timespec last_deadline() { return deadline; }
 #define ORB_WATCHED(name, parameters, arguments)                        \
   int __real_##name parameters;                                         \
   int __wrap_##name parameters {                                        \
+    leader.accompany(#name);                                            \
     const int code = failure_of(#name);                                 \
     return code != 0 ? code : followed(#name, __real_##name arguments); \
   }

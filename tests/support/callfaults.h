@@ -30,13 +30,23 @@ class CallFaults {
 };
 
 // While it lives, `action` runs right behind call number `nth` (from 1) of the pthread function
-// `function` that this thread makes and the system answers. At most one scope is alive in a thread.
+// `function` that this thread makes and the system answers. At most one scope of the kind is alive
+// in a thread.
 class AfterCall {
  public:
   AfterCall(std::string_view function, std::function<void()> action, size_t nth = 1);
   AfterCall(const AfterCall&) = delete;
   AfterCall& operator=(const AfterCall&) = delete;
   ~AfterCall();
+};
+
+// The same right before the call is made, in place of a thread that is a moment faster.
+class BeforeCall {
+ public:
+  BeforeCall(std::string_view function, std::function<void()> action, size_t nth = 1);
+  BeforeCall(const BeforeCall&) = delete;
+  BeforeCall& operator=(const BeforeCall&) = delete;
+  ~BeforeCall();
 };
 
 // While it lives, gettimeofday tells this thread `seconds` and `microseconds`.

@@ -35,4 +35,33 @@ inline const std::vector<PropertyKey>& claimed_keys() {
   return keys;
 }
 
+// Keys that no category claims, most of them nearly one that is claimed.
+inline const std::vector<std::wstring>& unclaimed_keys() {
+  static const std::vector<std::wstring> keys{
+      L"NumberOfFileSystems",
+      L"SystemInfo",
+      L"FileSystem",
+      L"Free_Disk_Space_in_MB",
+      L"N/A",
+      L"",
+      L"CPU",
+      L"cputype",
+      L"computername",
+      L"ISPORTABLE",
+      L"OSTYPE",
+      L"OSTyp",
+      L"OSType ",
+      L" CPUType",
+      L"CPUType ",
+      L"PlatformId",
+      L"Platformid",
+      std::wstring(L"CPUType\0", 8),
+      std::wstring(L"FreeMemory\0", 11),
+  };
+  return keys;
+}
+
+// A key, which is ASCII, as a test shows it.
+inline std::string shown(const std::wstring& key) { return std::string(key.begin(), key.end()); }
+
 }  // namespace orbtest
