@@ -23,8 +23,11 @@ target_include_directories(orbcommon PUBLIC
   $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}>
   $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}/orbcommon>)
 target_compile_features(orbcommon INTERFACE cxx_std_17)
+# On macOS programs find it by their run path, wherever it is installed; the name is given here
+# because a cross build has nothing that could change it at installation.
 set_target_properties(orbcommon PROPERTIES VERSION ${PROJECT_VERSION}
-                      SOVERSION ${PROJECT_VERSION_MAJOR})
+                      SOVERSION ${PROJECT_VERSION_MAJOR}
+                      INSTALL_NAME_DIR @rpath BUILD_WITH_INSTALL_NAME_DIR ON)
 orb_limit_exports(orbcommon)
 
 find_package(Threads REQUIRED)

@@ -1,8 +1,9 @@
 #!/usr/bin/env bash
 # scripts/macos_check.sh: cross-builds for both kinds of Mac and looks at what was linked.
 #
-# Per architecture the library must define every name of abi/exports.txt and need nothing but the
-# system's own libraries. One line sums up each. Exit status 1 when a build or a check fails.
+# Per architecture the library must define every name of abi/exports.txt, need nothing but the
+# system's own libraries, and be found by run path under its major version, which is also what it
+# says it is compatible with. One line sums up each. Exit status 1 when a build or a check fails.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 jobs=${JOBS:-2}
@@ -74,13 +75,31 @@ check_needs() {
   return $bad
 }
 
+# check_identity PRESET LIBRARY: what programs that are linked with it look for.
+check_identity() {
+  local version wanted
+  version=$(sed -nE 's/^project\(orbcommon VERSION ([0-9.]+).*/\1/p' CMakeLists.txt)
+  wanted="@rpath/liborbcommon.${version%%.*}.dylib, current $version, compatible ${version%%.*}.0.0"
+  identity_summary=$(llvm-objdump --macho --private-headers "$2" | awk '
+    $1 == "cmd" { inside = $2 == "LC_ID_DYLIB" }
+    inside && $1 == "name" { name = $2 }
+    inside && $2 == "version" { version[$1] = $3 }
+    END { print name ", current " version["current"] ", compatible " version["compatibility"] }')
+  [ "$identity_summary" = "$wanted" ] || {
+    echo "$1: the library is $identity_summary; it should be $wanted" >&2
+    return 1
+  }
+}
+
 # check PRESET: the library and the tool of one build; prints what is wrong, then the summary.
 check() {
   local library=build/$1/liborbcommon.1.dylib tool=build/$1/tools/orbprops/orbprops
-  local bad=0 names_summary='' needs_summary=''
+  local bad=0 names_summary='' needs_summary='' identity_summary=''
   check_names "$1" "$library" || bad=1
   check_needs "$1" "$library" "$tool" || bad=1
-  echo "$1: $(file_kind "$library"), $names_summary; tool $(file_kind "$tool"); $needs_summary"
+  check_identity "$1" "$library" || bad=1
+  echo "$1: $(file_kind "$library"), $names_summary; tool $(file_kind "$tool"); $needs_summary;" \
+    "$identity_summary"
   return $bad
 }
 
