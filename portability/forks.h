@@ -128,7 +128,6 @@ class Hold<ProcessMutex> {
   }
   Hold(const Hold&) = delete;
   Hold& operator=(const Hold&) = delete;
-  explicit operator bool() const { return held_; }
 
  private:
   pthread_mutex_t* mutex_;
