@@ -97,6 +97,36 @@ TEST(Arguments, KeyMayReadLikeACommand) {
   EXPECT_EQ((std::vector<std::string>{"keys", "report"}), options->keys);
 }
 
+TEST(Arguments, KeyBehindTwoDashesMayReadLikeAnOption) {
+  for (const std::vector<std::string>& line :
+       {std::vector<std::string>{"get", "--", "--json", "-x"}, {"--", "get", "--json", "-x"}}) {
+    std::string error;
+    const auto options = parse(line, error);
+    ASSERT_TRUE(options) << error;
+    EXPECT_EQ(Command::get, options->command);
+    EXPECT_EQ((std::vector<std::string>{"--json", "-x"}), options->keys);
+    EXPECT_FALSE(options->json);
+  }
+}
+
+TEST(Arguments, TwoDashesAloneChangeNothing) {
+  for (const std::vector<std::string>& line :
+       {std::vector<std::string>{"--"}, {"report", "--"}, {"-s", "--", "report"}}) {
+    std::string error;
+    const auto options = parse(line, error);
+    ASSERT_TRUE(options) << error;
+    EXPECT_EQ(Command::report, options->command);
+  }
+}
+
+TEST(Arguments, NoneAtAllNotEvenAName) {
+  const char* const none[] = {nullptr};
+  std::string error;
+  const auto options = orbprops::parse_arguments(0, none, error);
+  ASSERT_TRUE(options) << error;
+  EXPECT_EQ(Command::report, options->command);
+}
+
 TEST(Arguments, ShortFlagsMayBeJoined) {
   std::string error;
   const auto options = parse({"-js"}, error);
@@ -128,6 +158,22 @@ INSTANTIATE_TEST_SUITE_P(
         ErrorCase{"CommandLikeNone", {"temperature"}, "unknown command \"temperature\""},
         ErrorCase{
             "OptionNamesTheNearest", {"--jsno"}, "unknown option \"--jsno\"; did you mean --json?"},
+        ErrorCase{"OptionNamesOneThatBeginsLikeIt",
+                  {"--loop"},
+                  "unknown option \"--loop\"; did you mean --loopback?"},
+        ErrorCase{"LongOptionWithOneDash",
+                  {"keys", "-json"},
+                  "unknown option \"-json\"; did you mean --json?"},
+        ErrorCase{"LetterIsNearToNone", {"-x"}, "unknown option \"-x\""},
+        ErrorCase{"LetterAmongKnownOnes", {"-jx"}, "unknown option \"-jx\""},
+        ErrorCase{"DigitIsNoOption", {"-5"}, "unknown option \"-5\""},
+        ErrorCase{"OptionWithAValue", {"--json=false"}, "option \"--json\" takes no value"},
+        ErrorCase{
+            "ValueOfAnUnknownOption", {"keys", "--a\n=b"}, "option \"--a\\x0a\" takes no value"},
+        ErrorCase{"ShortOptionWithAValue", {"-j=1"}, "unknown option \"-j=1\""},
+        ErrorCase{"TwoPlusSigns", {"keys", "++"}, "unexpected argument \"++\""},
+        ErrorCase{"OneDash", {"-"}, "unknown command \"-\""},
+        ErrorCase{"ArgumentBehindTwoDashes", {"keys", "--", "-x"}, "unexpected argument \"-x\""},
         ErrorCase{"OptionOfACommand", {"users", "--frobnicate"}, "unknown option \"--frobnicate\""},
         ErrorCase{"ArgumentTooMany", {"users", "root"}, "unexpected argument \"root\""},
         ErrorCase{"TwoCommands", {"users", "keys"}, "unexpected argument \"keys\""},

@@ -54,7 +54,7 @@ TEST(Report, EndsBehindTheDisksWithoutFileSystems) {
 TEST(Report, NoLineIsWiderThanTheWindow) {
   Answer answer = machine();
   (*answer.properties)[0].value = std::wstring(300, L'x');
-  for (size_t columns : {24U, 33U, 60U, 80U, 200U}) {
+  for (size_t columns : {20U, 21U, 24U, 33U, 60U, 80U, 200U}) {
     std::istringstream lines(orbprops::report_text(answer, window(columns)));
     for (std::string line; std::getline(lines, line);) EXPECT_LE(line.size(), columns) << line;
   }

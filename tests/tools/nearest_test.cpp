@@ -54,4 +54,12 @@ TEST(Nearest, ForgivesAThirdOfTheWord) {
   EXPECT_EQ("", orbprops::nearest("xyz", {"abc"}));                       // 3, two forgiven
 }
 
+TEST(Nearest, TakesABeginningWhenNoneIsNearEnough) {
+  const std::vector<std::string_view> words = {"OSPlatform", "OSBuildNum", "OSBuildDate"};
+  EXPECT_EQ("OSBuildNum", orbprops::nearest("osbuild", words));  // 3 steps, two forgiven
+  EXPECT_EQ("OSPlatform", orbprops::nearest("OSP", words));
+  EXPECT_EQ("", orbprops::nearest("OS", words));
+  EXPECT_EQ("", orbprops::nearest("Build", words));
+}
+
 }  // namespace

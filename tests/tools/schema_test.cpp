@@ -99,6 +99,22 @@ TEST_F(Schema, MachineThatTellsNothingIsValid) {
                       json::parse(orbprops::document_json(users, true))}));
 }
 
+TEST_F(Schema, KnowsEveryFormOfAnAddress) {
+  const auto with_address = [](const char* text) {
+    orbprops::Answer answer;
+    answer.interfaces = {{2, "eth0", "001c42a1b2c3", {{text, "ffff:0:0:0:0:0:0:0", "10.0.0.0"}}}};
+    return json::parse(orbprops::document_json(answer, false));
+  };
+  const std::vector<std::string> found =
+      verdicts({with_address("10.0.0.5"), with_address("fe80:0:0:0:0:fc:ff:fe00"),
+                with_address("0:0:0:0:0:0:ffff:10.0.0.5"), with_address("::1"),
+                with_address("fe80:0:0:0:0:0:0:1%eth0"), with_address("ffff:10.0.0.5")});
+  ASSERT_EQ(6U, found.size());
+  for (size_t i = 0; i < found.size(); ++i) {
+    EXPECT_EQ(i < 3 ? "valid" : "invalid", found[i].substr(0, found[i].find(':'))) << i;
+  }
+}
+
 TEST_F(Schema, RefusesWhatTheToolNeverPrints) {
   const json report = document_of({"--json"});
   const auto changed = [&report](auto change) {

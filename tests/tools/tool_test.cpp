@@ -267,6 +267,21 @@ TEST(Tool, UsageErrorsExitWithTwo) {
   EXPECT_EQ(2, run_tool({"frobnicate"}).status);
 }
 
+TEST(Tool, EveryCommandRefusesWhatItDoesNotTake) {
+  for (const char* command : {"report", "keys", "filesystems", "interfaces", "users"}) {
+    for (const char* word : {"Humidity", "--Humidity", "-H", "--json=yes", ""}) {
+      const Outcome outcome = run_tool({command, word});
+      EXPECT_EQ(2, outcome.status) << command << word;
+      EXPECT_EQ("", outcome.out);
+      EXPECT_EQ(0U, outcome.error.find("orbprops: ")) << outcome.error;
+      EXPECT_EQ(2U, lines_of(outcome.error).size());
+    }
+  }
+  for (const char* word : {"--Humidity", "-H", "--json=yes"}) {
+    EXPECT_EQ(2, run_tool({"get", "OSType", word}).status) << word;
+  }
+}
+
 TEST(Tool, HelpAndVersionGoToStandardOutput) {
   Outcome outcome = run_tool({"--version"});
   EXPECT_EQ(0, outcome.status);

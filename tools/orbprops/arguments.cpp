@@ -2,6 +2,7 @@
 #include "tools/orbprops/arguments.h"
 
 #include <CLI/CLI.hpp>
+#include <algorithm>
 
 #include "tools/orbprops/nearest.h"
 #include "tools/orbprops/text.h"
@@ -91,14 +92,75 @@ std::string quoted(const std::string& argument) {
   return "\"" + show(std::string_view(argument), Charset::ascii).bytes + "\"";
 }
 
-// Says what is wrong with `argument`, and what it may have been meant to be.
-std::string unexpected(const std::string& argument, bool command_given) {
-  const bool option = argument.size() > 1 && argument[0] == '-';
+bool is_long_option(std::string_view word) { return word.size() > 2 && word.substr(0, 2) == "--"; }
+
+bool is_short_options(std::string_view word) {
+  return word.size() > 1 && word[0] == '-' && word[1] != '-';
+}
+
+// The words behind the program's name. A "--" before the command, which the parser would take for
+// its end too, is moved behind it.
+std::vector<std::string> words_of(int argc, const char* const* argv) {
+  std::vector<std::string> words(argv + std::min(argc, 1), argv + argc);
+  for (size_t i = 0; i + 1 < words.size() && (words[i].empty() || words[i][0] == '-'); ++i) {
+    if (words[i] != "--") continue;
+    std::swap(words[i], words[i + 1]);
+    break;
+  }
+  return words;
+}
+
+// Says what is wrong with a word that the parser would accept; empty when nothing is.
+std::string refused(const std::vector<std::string>& words) {
+  for (const std::string& word : words) {
+    if (word == "--") break;
+    const size_t sign = word.find('=');
+    if (is_long_option(word) && sign != std::string::npos) {
+      return "option " + quoted(word.substr(0, sign)) + " takes no value";
+    }
+    if (word == "++") return "unexpected argument " + quoted(word);
+  }
+  return {};
+}
+
+// The one of `words` of which the parser left `rest`: joined short options without those that it
+// knows. Empty when it is none of them.
+std::string whole_word(const std::vector<std::string>& words, const std::string& rest) {
+  for (const std::string& word : words) {
+    const size_t tail = is_short_options(rest) && is_short_options(word) ? rest.size() - 1 : 0;
+    const bool joined = tail > 0 && word.size() > tail &&
+                        word.compare(word.size() - tail, tail, rest, 1, tail) == 0;
+    if (word == rest || joined) return word;
+  }
+  return {};
+}
+
+// Says what is wrong with `argument`, and what it may have been meant to be; an `operand` is no
+// option, however it reads.
+std::string unexpected(const std::string& argument, bool operand, bool command_given) {
+  const bool joined = !operand && is_short_options(argument);
+  const bool option = joined || (!operand && is_long_option(argument));
   if (!option && command_given) return "unexpected argument " + quoted(argument);
-  const std::vector<std::string> names = option ? option_names() : command_names();
-  const std::string_view near = nearest(argument, {names.begin(), names.end()});
+  std::vector<std::string> names = option ? option_names() : command_names();
+  // One letter is near to every other.
+  names.erase(std::remove_if(names.begin(), names.end(), is_short_options), names.end());
+  const std::string_view near =
+      nearest(joined ? "-" + argument : argument, {names.begin(), names.end()});
   const std::string what = (option ? "unknown option " : "unknown command ") + quoted(argument);
   return near.empty() ? what : what + "; did you mean " + std::string(near) + "?";
+}
+
+// Says what is wrong with the first word that the parser could not place; empty when it placed all.
+std::string misplaced(const CLI::App& app, const std::vector<std::string>& words) {
+  const auto marker = std::find(words.begin(), words.end(), "--");
+  const std::vector<std::string> before(words.begin(), marker);
+  for (const std::string& rest : app.remaining(true)) {
+    if (rest == "--") continue;
+    const std::string word = whole_word(before, rest);
+    const bool operand = marker != words.end() && word.empty();
+    return unexpected(word.empty() ? rest : word, operand, !app.get_subcommands().empty());
+  }
+  return {};
 }
 
 }  // namespace
@@ -107,8 +169,11 @@ std::optional<Options> parse_arguments(int argc, const char* const* argv, std::s
   Parser parser;
   parser.app.allow_extras();
   for (CLI::App* command : parser.app.get_subcommands(nullptr)) command->allow_extras();
+  const std::vector<std::string> words = words_of(argc, argv);
+  error = refused(words);
+  if (!error.empty()) return {};
   try {
-    parser.app.parse(argc, argv);
+    parser.app.parse(std::vector<std::string>(words.rbegin(), words.rend()));
   } catch (const CLI::ParseError& failure) {
     error = show(std::string_view(failure.what()), Charset::ascii).bytes;
     return {};
@@ -116,17 +181,17 @@ std::optional<Options> parse_arguments(int argc, const char* const* argv, std::s
   Options& options = parser.options;
   options.command = parser.chosen();
   if (options.command == Command::help || options.command == Command::version) return options;
-  const std::vector<std::string> extras = parser.app.remaining(true);
-  if (!extras.empty()) {
-    error = unexpected(extras.front(), !parser.app.get_subcommands().empty());
-  } else if (options.command == Command::get && options.keys.empty()) {
+  error = misplaced(parser.app, words);
+  if (!error.empty()) return {};
+  if (options.command == Command::get && options.keys.empty()) {
     error = "get needs a key; \"orbprops keys\" lists them";
-  } else if (options.loopback && options.command != Command::interfaces) {
-    error = "--loopback goes with interfaces alone";
-  } else {
-    return options;
+    return {};
   }
-  return {};
+  if (options.loopback && options.command != Command::interfaces) {
+    error = "--loopback goes with interfaces alone";
+    return {};
+  }
+  return options;
 }
 
 std::vector<std::string> command_names() {

@@ -22,6 +22,13 @@ size_t longest_key() {
   return longest;
 }
 
+// How far the lines of a group stand in: two blanks, or what the longest key leaves of the window.
+size_t report_indent(const Style& style) {
+  if (style.columns == 0) return kReportIndent;
+  const size_t rest = style.columns - std::min(style.columns, longest_key());
+  return std::min(kReportIndent, rest);
+}
+
 Cell value_cell(const Property& property, const Style& style) {
   Cell cell = glyphs(std::wstring_view(property.value), style.charset);
   if (!style.colour || !is_unanswered(property.key, property.value)) return cell;
@@ -48,15 +55,16 @@ std::string report_text(const Answer& answer, const Style& style) {
   std::string out;
   std::vector<Pair> pairs;
   const size_t key_columns = longest_key();
+  const size_t indent = report_indent(style);
   for (size_t i = 0; i < kPropertyCount; ++i) {
     const std::string_view group = kProperties[i].group;
     const Property& property = (*answer.properties)[i];
     pairs.push_back({std::string(property.key), value_cell(property, style)});
     if (i + 1 < kPropertyCount && kProperties[i + 1].group == group) continue;
-    out += heading(group, style) + pair_lines(pairs, kReportIndent, key_columns, style) + "\n";
+    out += heading(group, style) + pair_lines(pairs, indent, key_columns, style) + "\n";
     pairs.clear();
   }
-  const std::string volumes = file_systems_text(*answer.file_systems, kReportIndent, style);
+  const std::string volumes = file_systems_text(*answer.file_systems, indent, style);
   if (volumes.empty()) {
     out.pop_back();
   } else {

@@ -8,9 +8,16 @@ namespace orbprops {
 namespace {
 
 constexpr size_t kLongest = 64;
+constexpr size_t kFewestOfABeginning = 3;  // letters
 
 char lower(char letter) {
   return letter >= 'A' && letter <= 'Z' ? static_cast<char>(letter - 'A' + 'a') : letter;
+}
+
+bool begins_with(std::string_view text, std::string_view beginning) {
+  return text.size() >= beginning.size() &&
+         std::equal(beginning.begin(), beginning.end(), text.begin(),
+                    [](char a, char b) { return lower(a) == lower(b); });
 }
 
 }  // namespace
@@ -49,7 +56,11 @@ std::string_view nearest(std::string_view word, const std::vector<std::string_vi
       found = candidate;
     }
   }
-  return found;
+  if (!found.empty() || word.size() < kFewestOfABeginning) return found;
+  for (std::string_view candidate : words) {
+    if (begins_with(candidate, word)) return candidate;
+  }
+  return {};
 }
 
 }  // namespace orbprops

@@ -12,7 +12,7 @@
 namespace orbprops {
 namespace {
 
-constexpr size_t kFewestColumns = 24;
+constexpr size_t kFewestColumns = 20;  // the longest key and an indent
 constexpr size_t kMostColumns = 1000;
 
 unsigned window_columns(int fd) {

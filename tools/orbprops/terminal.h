@@ -21,7 +21,7 @@ struct Style {
 Style style_of(int fd);
 
 // The width to lay out for: that of the variable COLUMNS (null when unset) when it is a decimal
-// number above 0, else that of the window, else 80. Never below 24 nor above 1000.
+// number above 0, else that of the window, else 80. Never below 20 nor above 1000.
 size_t usable_columns(const char* columns_variable, unsigned window_columns);
 
 // Whether a terminal gets colours, by the values of NO_COLOR and TERM (null when unset): not when
