@@ -4,6 +4,7 @@
 # four), or a quick look at fewer and shorter runs of what is not large, writes nothing.
 set -euo pipefail
 cd "$(dirname "$0")/.."
+top=$PWD
 repetitions=9 least_seconds=0.05 filter=. quick=
 if [ "${1:-}" = --quick ]; then
   repetitions=3 least_seconds=0.002 quick=yes
@@ -25,10 +26,11 @@ pages=()
 for program in $programs; do
   name=$(basename "$program" _benchmark)
   echo "== $name" >&2
-  "$program" --benchmark_repetitions="$repetitions" --benchmark_report_aggregates_only=true \
-    --benchmark_min_time="$least_seconds" --benchmark_enable_random_interleaving=true \
-    --benchmark_filter="$filter" \
-    --benchmark_out="$results/$name.json" --benchmark_out_format=json >"$results/$name.log" ||
+  # What a family writes to the disk it is run on stays out of the sources.
+  (cd "$results" && "$top/$program" --benchmark_repetitions="$repetitions" \
+    --benchmark_report_aggregates_only=true --benchmark_min_time="$least_seconds" \
+    --benchmark_enable_random_interleaving=true --benchmark_filter="$filter" \
+    --benchmark_out="$name.json" --benchmark_out_format=json) >"$results/$name.log" 2>&1 ||
     { cat "$results/$name.log" >&2; exit 1; }
   pages+=("$results/$name.json")
 done

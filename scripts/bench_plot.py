@@ -32,9 +32,9 @@ def ratios(family):
     """(label, ratio, goal or None) from the operation that is listed first."""
     for operation in family.operations():
         for _, value, limit in operation.ours.limits():
-            yield f"{operation.ours.operation} : its limit", value / limit, 1
+            yield f"{operation.name} : its limit", value / limit, 1
         for peer in operation.peers:
-            yield (f"{operation.ours.operation} : {peer.who}", operation.ours.time / peer.time,
+            yield (f"{operation.name} : {peer.who}", operation.ours.time / peer.time,
                    operation.ours.goal_ratio(peer.who))
 
 

@@ -78,6 +78,7 @@ class Operation:
 
     def __init__(self, ours, peers):
         self.ours = ours
+        self.name = ours.operation if ours.who == OURS else ours.name
         self.peers = sorted(peers, key=lambda each: each.who.lower())
 
 

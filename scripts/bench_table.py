@@ -53,8 +53,7 @@ def ratio_row(ours, peer):
 
 def operation_rows(operation):
     """The lines of one operation: its absolute goals, then every peer, then peers left out."""
-    ours, peers = operation.ours, operation.peers
-    name = ours.operation if ours.who == OURS else ours.name
+    ours, peers, name = operation.ours, operation.peers, operation.name
     absolute = list(absolute_goals(ours))
     for text, goal, result in absolute:
         yield (name, text, "", "", goal, result)
