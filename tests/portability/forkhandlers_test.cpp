@@ -79,7 +79,8 @@ TEST_F(ForkOfLocks, WithinAForkLeavesTheOuterOneAsItWas) {
   CallersHandlers::prepare = nullptr;
   EXPECT_EQ(0, inner_status);
   expect_free();
-  use_everything();
+  use_slots();
+  use_libraries();
 }
 
 }  // namespace

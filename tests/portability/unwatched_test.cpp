@@ -52,7 +52,7 @@ TEST(Unwatched, TheProcessesNumberIsAskedForEachTime) {
 TEST(Unwatched, EverythingCanBeUsedHereAndInAChild) {
   ASSERT_LE(0, vxSO_ProcessAttach());
   const AttachedThread self;
-  use_libraries();
+  EXPECT_EQ(1, voxFreeLibrary(voxLoadLibrary(kPlainPlugin, nullptr)));
   use_locks();
   use_searches();
   EXPECT_EQ("", outcome_in_child(use_locks));
