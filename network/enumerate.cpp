@@ -28,10 +28,13 @@ class InterfaceWalk {
     for (const auto& entry : entries) note_hardware(entry);
     for (const auto& entry : entries) note_address(entry);
     const std::vector<unsigned> indexes = system_.interface_indexes(names_);
+    auto interfaces = list_.interfaces;  // all of them change, or none
     for (const Found& found : found_) {
       const size_t name = *found.interface->name;
-      add(indexes[name], names_[name], found.interface->hardware, found.address);
+      NetInterface& record = interfaces[indexes[name]];
+      add(indexes[name], names_[name], found, &record);
     }
+    list_.interfaces.swap(interfaces);
     return !found_.empty();
   }
 
@@ -113,13 +116,12 @@ class InterfaceWalk {
     found_.push_back({&interface, address});
   }
 
-  void add(unsigned index, const std::string& name, const std::string& hardware,
-           const IPAddress& address) {
-    NetInterface& record = list_.getNetInterface(index);
-    record.setOption(NETIF_INDEX_NAME, name);
-    record.setOption(NETIF_INDEX, index);
-    record.setOption(NETIF_MAC_ADDRESS, hardware);
-    record.setOption(NETIF_IP_ADDRESS, address);
+  static void add(unsigned index, const std::string& name, const Found& found,
+                  NetInterface* record) {
+    record->setOption(NETIF_INDEX_NAME, name);
+    record->setOption(NETIF_INDEX, index);
+    record->setOption(NETIF_MAC_ADDRESS, found.interface->hardware);
+    record->setOption(NETIF_IP_ADDRESS, found.address);
   }
 
   const platform::System& system_;
@@ -132,6 +134,15 @@ class InterfaceWalk {
 
 bool fill_list(const platform::System& system, NetInterfaceList& list) {
   return InterfaceWalk(system, list).run();
+}
+
+const NetInterface* carrier_of(const std::string& ip, NetInterfaceList& list) {
+  for (const int index : list.getIndexes()) {
+    const NetInterface& candidate = list.getNetInterface(static_cast<unsigned>(index));
+    for (const IPAddress& address : candidate.getIPAddress())
+      if (address.getIPAddress() == ip) return &candidate;
+  }
+  return nullptr;
 }
 
 bool hardware_address(const platform::System& system, const std::string& name, std::string* mac) {

@@ -5,6 +5,7 @@
 
 #include "network/networkutil.h"
 #include "platform/system.h"
+#include "portability/outofmemory.h"
 #include "sysprops/records.h"
 
 namespace quillon_com::orb::network {
@@ -55,10 +56,24 @@ std::wstring HostNames::fqdn() {
 
 }  // namespace quillon_com::orb::network
 
+namespace {
+
+// What `choose` picks of the machine's names; the default when memory runs out.
+template <class Choose>
+std::wstring of_this_machine(Choose choose) {
+  return quillon_com::orb::portability::unless_out_of_memory(
+      quillon_com::orb::sysprops::DefaultProp_Val, [&] {
+        quillon_com::orb::network::HostNames names(quillon_com::orb::platform::host());
+        return choose(names);
+      });
+}
+
+}  // namespace
+
 std::wstring getDomainName() {
-  return quillon_com::orb::network::HostNames(quillon_com::orb::platform::host()).domain_name();
+  return of_this_machine([](auto& names) { return names.domain_name(); });
 }
 
 std::wstring getFqdnAddress() {
-  return quillon_com::orb::network::HostNames(quillon_com::orb::platform::host()).fqdn();
+  return of_this_machine([](auto& names) { return names.fqdn(); });
 }

@@ -5,8 +5,17 @@
 
 IPAddress::IPAddress() : ipFamily(0) {}
 IPAddress::IPAddress(const IPAddress& other) = default;
-IPAddress& IPAddress::operator=(const IPAddress& other) = default;
 IPAddress::~IPAddress() = default;
+
+// The copies first: one that finds no memory leaves this object whole.
+IPAddress& IPAddress::operator=(const IPAddress& other) {
+  IPAddress copy(other);
+  ipAddress.swap(copy.ipAddress);
+  subNetMask.swap(copy.subNetMask);
+  subNetAddr.swap(copy.subNetAddr);
+  ipFamily = copy.ipFamily;
+  return *this;
+}
 
 std::string IPAddress::getIPAddress() const { return ipAddress; }
 

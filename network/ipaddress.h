@@ -14,8 +14,10 @@ enum IP_PARAM {
   IP_SUBNET_ADDR = 3,  // subNetAddr; string form
 };
 
-// A plain value: copies are independent, nothing that is set is checked, no call fails. Objects
-// carry no lock; callers that share one between threads serialise themselves.
+// A plain value: copies are independent, nothing that is set is checked. A copy of the object or of
+// a field throws std::bad_alloc when memory runs out, and then leaves the object as it was; no call
+// fails otherwise. Objects carry no lock; callers that share one between threads serialise
+// themselves.
 class ORB_EXPORT IPAddress {
  public:
   // Empty texts, family 0.

@@ -1,8 +1,9 @@
 // network/ipv6.h: pure text helpers for numeric IPv6 addresses.
 //
-// Nothing here asks the system or fails: malformed text gives some text. Groups keep the digits
-// they were written with, except in calculateSubNetAddrForV6. Every function takes time in
-// proportion to its texts and may be called from several threads at once.
+// Nothing here asks the system or fails: malformed text gives some text. Memory that runs out
+// throws std::bad_alloc. Groups keep the digits they were written with, except in
+// calculateSubNetAddrForV6. Every function takes time in proportion to its texts and may be called
+// from several threads at once.
 #pragma once
 
 #include <cstdint>

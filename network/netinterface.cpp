@@ -8,14 +8,26 @@
 #include "network/addresstext.h"
 #include "network/enumerate.h"
 #include "platform/system.h"
+#include "portability/outofmemory.h"
 
 namespace network = quillon_com::orb::network;
 namespace platform = quillon_com::orb::platform;
+using quillon_com::orb::portability::unless_out_of_memory;
 
 NetInterface::NetInterface() : index(0), sortLast(false) {}
 NetInterface::NetInterface(const NetInterface& other) = default;
-NetInterface& NetInterface::operator=(const NetInterface& other) = default;
 NetInterface::~NetInterface() = default;
+
+// The copies first, here and for the list: one that finds no memory leaves this object whole.
+NetInterface& NetInterface::operator=(const NetInterface& other) {
+  NetInterface copy(other);
+  index = copy.index;
+  macAddress.swap(copy.macAddress);
+  indexName.swap(copy.indexName);
+  ipAddresses.swap(copy.ipAddresses);
+  sortLast = copy.sortLast;
+  return *this;
+}
 
 uint32_t NetInterface::getIndex() const { return index; }
 
@@ -49,10 +61,18 @@ void NetInterface::setOption(NETINTERFACE_PARAM param, const IPAddress& value) {
 
 NetInterfaceList::NetInterfaceList(bool loopback) : includeLoopback(loopback) {}
 NetInterfaceList::NetInterfaceList(const NetInterfaceList& other) = default;
-NetInterfaceList& NetInterfaceList::operator=(const NetInterfaceList& other) = default;
 NetInterfaceList::~NetInterfaceList() = default;
 
-bool NetInterfaceList::initialize() { return network::fill_list(platform::host(), *this); }
+NetInterfaceList& NetInterfaceList::operator=(const NetInterfaceList& other) {
+  NetInterfaceList copy(other);
+  interfaces.swap(copy.interfaces);
+  includeLoopback = copy.includeLoopback;
+  return *this;
+}
+
+bool NetInterfaceList::initialize() {
+  return unless_out_of_memory(false, [&] { return network::fill_list(platform::host(), *this); });
+}
 
 std::vector<int> NetInterfaceList::getIndexes() const {
   std::vector<int> indexes;
@@ -72,32 +92,29 @@ NetInterface& NetInterfaceList::getNetInterface(const unsigned int& index) {
 bool NetInterfaceList::getNetInterface(unsigned int index, NetInterface& out) const {
   const auto found = interfaces.find(index);
   if (found == interfaces.end()) return false;
-  out = found->second;
-  return true;
+  return unless_out_of_memory(false, [&] {
+    out = found->second;
+    return true;
+  });
 }
 
 bool getNetInterfacesList(NetInterfaceList& list) { return list.initialize(); }
 
 bool getNetInterfaceFromIPAddress(NetInterface& out, const std::string& ip,
                                   NetInterfaceList& list) {
-  for (const int index : list.getIndexes()) {
-    const NetInterface& candidate = list.getNetInterface(static_cast<unsigned>(index));
-    const std::vector<IPAddress> addresses = candidate.getIPAddress();
-    const bool carries =
-        std::any_of(addresses.begin(), addresses.end(),
-                    [&ip](const IPAddress& address) { return address.getIPAddress() == ip; });
-    if (!carries) continue;
-    out = candidate;
-    return true;
-  }
-  return false;
+  return unless_out_of_memory(false, [&] {
+    const NetInterface* const carrier = network::carrier_of(ip, list);
+    if (carrier != nullptr) out = *carrier;
+    return carrier != nullptr;
+  });
 }
 
 bool getMACAddressFromIPAddress(std::string& mac, const std::string& ip, NetInterfaceList& list) {
-  NetInterface carrier;
-  if (!getNetInterfaceFromIPAddress(carrier, ip, list)) return false;
-  mac = carrier.getMACAddress();
-  return true;
+  return unless_out_of_memory(false, [&] {
+    const NetInterface* const carrier = network::carrier_of(ip, list);
+    if (carrier != nullptr) mac = carrier->getMACAddress();
+    return carrier != nullptr;
+  });
 }
 
 std::string formatMACAddress(unsigned char* bytes) {
@@ -108,13 +125,15 @@ std::string formatMACAddress(unsigned char* bytes) {
 }
 
 bool getMacAddr(std::string& mac, const std::string& name) {
-  return network::hardware_address(platform::host(), name, &mac);
+  return unless_out_of_memory(
+      false, [&] { return network::hardware_address(platform::host(), name, &mac); });
 }
 
 bool getNetMask(const unsigned int& family, sockaddr* mask, std::string& text) {
-  return network::mask_text(family, mask, &text);
+  return unless_out_of_memory(false, [&] { return network::mask_text(family, mask, &text); });
 }
 
 bool getNetAddr(const unsigned int& family, sockaddr* mask, sockaddr* addr, std::string& text) {
-  return network::subnet_text(family, mask, addr, &text);
+  return unless_out_of_memory(false,
+                              [&] { return network::subnet_text(family, mask, addr, &text); });
 }

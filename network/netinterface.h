@@ -24,8 +24,10 @@ enum NETINTERFACE_PARAM {
   NETIF_SORT_LAST = 4,    // sortLast; unsigned form
 };
 
-// One interface. A plain value: copies are independent and whole, nothing that is set is checked,
-// no call fails. Objects carry no lock; callers that share one serialise themselves.
+// One interface. A plain value: copies are independent and whole, nothing that is set is checked.
+// A copy of the object or of a field throws std::bad_alloc when memory runs out, and then leaves
+// the object as it was; no call fails otherwise. Objects carry no lock; callers that share one
+// serialise themselves.
 class ORB_EXPORT NetInterface {
  public:
   // Index 0, empty texts, no addresses, not sorted last.
@@ -61,7 +63,9 @@ class ORB_EXPORT NetInterface {
 };
 
 // A snapshot of the interfaces that are up, have a hardware address and at least one IPv4 or IPv6
-// address. Lists carry no lock; different lists may be filled by different threads at once.
+// address. Lists carry no lock; different lists may be filled by different threads at once. A copy,
+// getIndexes and the reference of a new record throw std::bad_alloc when memory runs out, and then
+// leave the list as it was.
 class ORB_EXPORT NetInterfaceList {
  public:
   // An empty list. Interfaces flagged as loopback are left out unless `includeLoopback`.
@@ -75,7 +79,8 @@ class ORB_EXPORT NetInterfaceList {
   // and has a numeric text; a socket of its family can be opened; its interface has a link-layer
   // entry; it has a mask. An address that fails one is skipped silently. IPv6 texts are expanded to
   // eight groups without a zone. Returns whether at least one address was added by this call;
-  // false also when the system's list cannot be read. Stores no error word.
+  // false also when the system's list cannot be read or memory runs out: the list is then as it
+  // was. Stores no error word.
   // Quirk: nothing is cleared first: a second call adds every address a second time.
   // Quirk: an interface that is gone before its index is asked is filed under index 0.
   bool initialize();
@@ -89,7 +94,8 @@ class ORB_EXPORT NetInterfaceList {
   // Quirk: an index that the list does not hold is added with an empty record, whose own index
   // reads 0; getIndexes lists it from then on.
   NetInterface& getNetInterface(const unsigned int& index);
-  // Copies the record of `index` into `out`. Returns false, `out` untouched, when there is none.
+  // Copies the record of `index` into `out`. Returns false, `out` untouched, when there is none or
+  // no memory for the copy.
   bool getNetInterface(unsigned int index, NetInterface& out) const;
 
  private:
@@ -98,6 +104,9 @@ class ORB_EXPORT NetInterfaceList {
   std::map<uint32_t, NetInterface> interfaces;  // by index
   bool includeLoopback;
 };
+
+// None of the functions below throws: where memory runs out the result is false, or "", and the
+// outputs are untouched.
 
 // Fills `list` by its `initialize` and returns the result.
 ORB_EXPORT bool getNetInterfacesList(NetInterfaceList& list);

@@ -4,11 +4,12 @@
 #include "network/addresstext.h"
 #include "network/resolver.h"
 #include "platform/system.h"
+#include "portability/outofmemory.h"
 
 using quillon_com::orb::network::AddressList;
 using quillon_com::orb::network::kHostTextSize;
 using quillon_com::orb::network::Resolver;
-using quillon_com::orb::network::unless_out_of_memory;
+using quillon_com::orb::portability::unless_out_of_memory;
 
 namespace {
 
@@ -56,7 +57,8 @@ std::string ANetworkUtil::qlnNetToString(sockaddr* address, int flags) {
     code = getnameinfo(address, kAnyAddressLength, nullptr, 0, text, sizeof text, flags);
   else if ((flags & NI_NUMERICHOST) != 0)
     code = getnameinfo(address, kAnyAddressLength, text, sizeof text, nullptr, 0, flags);
-  return code == 0 ? text : "";
+  if (code != 0) return "";
+  return unless_out_of_memory(std::string(), [&] { return std::string(text); });
 }
 
 int ANetworkUtil::ConnectWithTimeout(int socket, sockaddr* address, int addressLength,
@@ -99,9 +101,12 @@ bool ANetworkUtil::qlnGetScopeId(const std::string& address, unsigned int& scope
 }
 
 std::string ANetworkUtil::formatV6addrWithScope(std::string address, bool keepBrackets) {
-  return on_this_machine(enabled).with_scope(address, keepBrackets);
+  return unless_out_of_memory(
+      std::string(), [&] { return on_this_machine(enabled).with_scope(address, keepBrackets); });
 }
 
 std::string ANetworkUtil::formatV6addr(std::string address, bool keepBrackets) {
-  return quillon_com::orb::network::strip_v6_text(address, keepBrackets);
+  return unless_out_of_memory(std::string(), [&] {
+    return quillon_com::orb::network::strip_v6_text(address, keepBrackets);
+  });
 }

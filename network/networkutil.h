@@ -11,8 +11,9 @@
 
 // The agent's socket-level services. Texts are narrow. Results follow the socket interface: 0 for
 // success, -1 or the resolver's own code for failure, or a boolean; nothing is logged, no error
-// word is set, errno stays as the system left it and nothing is thrown on purpose. Every resolver
-// list and every socket opened here is released before return. No member keeps state or takes a
+// word is set, errno stays as the system left it and nothing is thrown: where memory runs out the
+// result is -1, false or "", and no output is touched. Every resolver list and every socket opened
+// here is released before return. No member keeps state or takes a
 // lock, so that one object serves several threads as long as nobody writes `enabled`.
 class ORB_EXPORT ANetworkUtil {
  public:
@@ -115,7 +116,7 @@ class ORB_EXPORT ANetworkUtil {
 // the official name that the resolver gives for the host name. sysprops::DefaultProp_Val when
 // there is none: the host name cannot be read or resolved, or its official name has no ".". Waits
 // for at most one look-up, for none when the kernel has a domain. Each may be called from any
-// thread.
+// thread and throws nothing: where memory runs out it gives DefaultProp_Val or an empty text.
 ORB_EXPORT std::wstring getDomainName();
 
 // The full host name of the machine: the official name that the resolver gives for the host name;

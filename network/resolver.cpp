@@ -1,6 +1,8 @@
 // network/resolver.cpp: host names to addresses and names, zones of link-local addresses.
 #include "network/resolver.h"
 
+#include <new>
+
 #include "network/addresstext.h"
 #include "network/enumerate.h"
 #include "platform/system.h"

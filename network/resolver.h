@@ -5,7 +5,6 @@
 #include <sys/socket.h>
 
 #include <memory>
-#include <new>
 #include <string>
 #include <vector>
 
@@ -64,15 +63,5 @@ bool host_text(const sockaddr* address, socklen_t length, int flags, std::string
 // ANetworkUtil::makeSocketNonBlocking and ANetworkUtil::ConnectWithTimeout.
 bool set_non_blocking(int socket);
 int connect_within(int socket, const sockaddr* address, socklen_t length, unsigned timeout_seconds);
-
-// The result of `body`, or `failure` when memory ran out in it.
-template <class T, class Body>
-T unless_out_of_memory(T failure, Body body) {
-  try {
-    return body();
-  } catch (const std::bad_alloc&) {
-    return failure;
-  }
-}
 
 }  // namespace quillon_com::orb::network

@@ -6,6 +6,7 @@
 #include <cstddef>
 #include <cstring>
 #include <memory>
+#include <utility>
 
 #include "platform/darwin_system.h"
 
@@ -41,9 +42,9 @@ bool DarwinSystem::interface_entries(std::vector<InterfaceEntry>* entries) const
   ifaddrs* first = nullptr;
   if (getifaddrs(&first) != 0) return false;
   const std::unique_ptr<ifaddrs, ReleaseList> list(first);
-  entries->clear();
+  std::vector<InterfaceEntry> read;
   for (const ifaddrs* item = first; item != nullptr; item = item->ifa_next) {
-    InterfaceEntry& entry = entries->emplace_back();
+    InterfaceEntry& entry = read.emplace_back();
     entry.name = item->ifa_name;
     entry.flags = item->ifa_flags;
     entry.address = copy_address(item->ifa_addr);
@@ -52,6 +53,7 @@ bool DarwinSystem::interface_entries(std::vector<InterfaceEntry>* entries) const
       entry.link_address = link_address(item->ifa_addr);
     }
   }
+  *entries = std::move(read);
   return true;
 }
 

@@ -3,7 +3,6 @@
 #include <utmpx.h>
 
 #include <algorithm>
-#include <mutex>
 #include <utility>
 
 #include "platform/everlasting.h"
@@ -17,7 +16,8 @@ constexpr char kAccountingFile[] = "/var/run/utmp";
 constexpr char kSessionFolder[] = "/run/systemd/sessions";
 constexpr size_t kSessionFileLimit = 4096;
 
-std::mutex sessions_mutex;  // guards every cursor and `accounting_root`
+// Guards every cursor and `accounting_root`.
+pthread_mutex_t sessions_mutex = PTHREAD_MUTEX_INITIALIZER;
 // The root whose accounting file the C library was pointed to; empty while that is its own choice.
 struct AccountingRoot {
   std::string path;
@@ -50,7 +50,7 @@ std::vector<SessionEntry> LinuxSystem::session_files() const {
 }
 
 bool LinuxSystem::next_session_entry(SessionEntry* entry) const {
-  std::lock_guard lock(sessions_mutex);
+  const MutexHold held(&sessions_mutex);
   use_accounting_file();
   if (!cursor_.accounting_ended) {
     if (PosixSystem::next_session_entry(entry)) {
@@ -67,7 +67,7 @@ bool LinuxSystem::next_session_entry(SessionEntry* entry) const {
 }
 
 void LinuxSystem::rewind_sessions() const {
-  std::lock_guard lock(sessions_mutex);
+  const MutexHold held(&sessions_mutex);
   use_accounting_file();
   PosixSystem::rewind_sessions();
   cursor_ = SessionCursor{};

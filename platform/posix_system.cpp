@@ -19,7 +19,6 @@
 #include <cstdlib>
 #include <cstring>
 #include <memory>
-#include <mutex>
 #include <utility>
 
 namespace quillon_com::orb::platform {
@@ -31,7 +30,8 @@ constexpr int kZoneYields = 100;
 constexpr int kZoneSleeps = 1000;
 constexpr useconds_t kZoneSleep = 100;  // microseconds
 
-std::mutex accounting_mutex;  // guards the C library's cursor over the user-accounting database
+// Guards the C library's cursor over the user-accounting database.
+pthread_mutex_t accounting_mutex = PTHREAD_MUTEX_INITIALIZER;
 
 // A field that ends at its first zero byte or where it is full.
 template <size_t N>
@@ -160,7 +160,7 @@ bool PosixSystem::zone_name(std::string* name) const {
 }
 
 bool PosixSystem::next_session_entry(SessionEntry* entry) const {
-  std::lock_guard lock(accounting_mutex);
+  const MutexHold held(&accounting_mutex);
   const utmpx* record = getutxent();
   if (record == nullptr) return false;
   entry->type = record->ut_type;
@@ -171,7 +171,7 @@ bool PosixSystem::next_session_entry(SessionEntry* entry) const {
 }
 
 void PosixSystem::rewind_sessions() const {
-  std::lock_guard lock(accounting_mutex);
+  const MutexHold held(&accounting_mutex);
   setutxent();
 }
 

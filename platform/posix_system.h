@@ -1,6 +1,8 @@
 // platform/posix_system.h: the facts that POSIX systems are asked for in the same way.
 #pragma once
 
+#include <pthread.h>
+
 #include <string>
 #include <string_view>
 
@@ -56,6 +58,21 @@ class Descriptor {
 
  private:
   const int number_;
+};
+
+// A mutex of the process's, held for a scope; done without where it cannot be taken.
+class MutexHold {
+ public:
+  explicit MutexHold(pthread_mutex_t* mutex)
+      : mutex_(pthread_mutex_lock(mutex) == 0 ? mutex : nullptr) {}
+  MutexHold(const MutexHold&) = delete;
+  MutexHold& operator=(const MutexHold&) = delete;
+  ~MutexHold() {
+    if (mutex_ != nullptr) pthread_mutex_unlock(mutex_);
+  }
+
+ private:
+  pthread_mutex_t* const mutex_;
 };
 
 // Appends what can be read from `descriptor`, at most `limit` bytes, to `bytes`. Stops at the end,

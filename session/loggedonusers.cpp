@@ -1,6 +1,8 @@
 // session/loggedonusers.cpp: the scan of the user-accounting database and the lists made of it.
 #include "session/loggedonusers.h"
 
+#include <utility>
+
 #include "platform/system.h"
 #include "session/collect.h"
 
@@ -37,6 +39,15 @@ void add_local_user(std::string user, FILE* lines, std::set<std::string>* local)
   std::fprintf(lines, "Local User Logged on %s \n", user.c_str());
 }
 
+std::string joined(const std::set<std::string>& names) {
+  std::string list;
+  for (const std::string& name : names) {
+    if (&name != &*names.begin()) list += ",";
+    list += name;
+  }
+  return list;
+}
+
 // Adds the user of each entry from the cursor on.
 void scan_sessions(const platform::System& system, FILE* lines, std::set<std::string>* network,
                    std::set<std::string>* local, bool skip_local) {
@@ -52,17 +63,6 @@ void scan_sessions(const platform::System& system, FILE* lines, std::set<std::st
       add_local_user(entry.user, lines, local);
     }
   }
-}
-
-// Replaces `list` unless there are no `names`.
-void join(const std::set<std::string>& names, std::string* list) {
-  if (names.empty()) return;
-  std::string joined;
-  for (const std::string& name : names) {
-    if (&name != &*names.begin()) joined += ",";
-    joined += name;
-  }
-  *list = joined;
 }
 
 }  // namespace
@@ -86,8 +86,10 @@ void collect_user_lists(const platform::System& system, FILE* lines, std::string
   std::set<std::string> network;
   std::set<std::string> local;
   collect_logged_on_users(system, lines, &network, &local, skip_local);
-  join(network, network_list);
-  if (!skip_local) join(local, local_list);
+  std::string network_names = joined(network);
+  std::string local_names = joined(local);
+  if (!network.empty()) *network_list = std::move(network_names);
+  if (!local.empty()) *local_list = std::move(local_names);  // never with `skip_local`
 }
 
 void collect_all_users(const platform::System& system, FILE* lines, std::string* result) {

@@ -4,7 +4,8 @@
 // name alone. Names are lower case by the process's LC_CTYPE locale, and sets are in byte order.
 // The user-accounting database has one cursor per process: calls of the Collect functions from
 // several threads disturb each other and are the caller's to serialise. Diagnostic lines go to the
-// stream of myfd(). Except where a comment says otherwise, exceptions of the standard library pass.
+// stream of myfd(). Except where a comment says otherwise, exceptions of the standard library pass:
+// std::bad_alloc, when memory runs out. Texts and lists are then as they were passed.
 #pragma once
 
 #include <cstdio>
@@ -25,6 +26,7 @@ namespace session {
 // all.
 // The domain is looked for in the primary group (FindDomainName), then in the directory service's
 // "userPrincipalName" and "OriginalAuthenticationAuthority"; several domains give several names.
+// Behind an exception the sets hold the users found until then.
 // Quirk: a record of a user process without a name gives the local user "".
 ORB_EXPORT void CollectLoggedonUsers(std::set<std::string>& network, std::set<std::string>& local,
                                      bool skipLocal);

@@ -115,26 +115,30 @@ void collect_records(const platform::System& system, const Records& records) {
 }
 
 void write_report(const Records& records, PropertyMap& properties, FileSystemMap& file_systems) {
-  properties.clear();
-  insert(kCpuProperties, records.cpu, properties);
-  insert(kNetworkProperties, records.network, properties);
-  insert(kMemoryProperties, records.memory, properties);
-  insert(kOsProperties, records.os, properties);
-  insert(kMiscProperties, records.misc, properties);
-  insert(kDiskProperties, records.disk, properties);
-  file_systems = records.disk.fileSystems;
+  PropertyMap report;  // whole before anything of the caller's changes
+  insert(kCpuProperties, records.cpu, report);
+  insert(kNetworkProperties, records.network, report);
+  insert(kMemoryProperties, records.memory, report);
+  insert(kOsProperties, records.os, report);
+  insert(kMiscProperties, records.misc, report);
+  insert(kDiskProperties, records.disk, report);
+  FileSystemMap volumes = records.disk.fileSystems;
+  properties.swap(report);
+  file_systems.swap(volumes);
 }
 
 void write_report(const Records& records, PropertyMap& properties) {
+  PropertyMap report;
   FileSystemMap file_systems;
-  write_report(records, properties, file_systems);
-  properties.erase(CPUPortable_Key);
+  write_report(records, report, file_systems);
+  report.erase(CPUPortable_Key);
   for (const auto& [mount_point, space] : file_systems) {
     std::wstring stem = FileSystemName;
     stem.append(L"\"").append(mount_point).append(L"\" ");
-    properties.emplace(stem + FileSystemTotalSpace, space.first);
-    properties.emplace(stem + FileSystemFreeSpace, space.second);
+    report.emplace(stem + FileSystemTotalSpace, space.first);
+    report.emplace(stem + FileSystemFreeSpace, space.second);
   }
+  properties.swap(report);
 }
 
 std::wstring refreshed_value(const platform::System& system, NetworkInformation& record,

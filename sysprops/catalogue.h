@@ -12,7 +12,9 @@
 // voxcomn_get_domain_name and voxcomn_get_fqdn_address waits for a resolver. All are safe from any
 // thread, except voxcomn_get_user_name; those of the network address read
 // ISysProps::m_wstrLastKnownLocalIP, so a caller that updates it serialises them with the update.
-// Nothing is kept between calls. Throws std::bad_alloc alone, when memory runs out.
+// Nothing is kept between calls. When memory runs out a function throws std::bad_alloc; where only
+// the text of the answer finds none, the answer is empty, and where the operating system cannot be
+// identified for that reason, "N/A".
 
 // "CPUType": architecture and model name, joined by one blank; empty when neither is known.
 ORB_EXPORT std::wstring voxcomn_get_cpu_type();

@@ -19,7 +19,7 @@ ORB_EXPORT bool ConvertGestaltSysArchToString(long code, char* destination);
 
 // Sets `portable` to whether the running machine is a portable: by the kind of its case where the
 // system tells it, else by "book" in its model name, in any letter case. Returns false, with
-// `portable` false, when neither can be read.
+// `portable` false, when neither can be read or memory runs out.
 ORB_EXPORT bool IsPortableComputer(bool& portable);
 
 }  // namespace quillon_com::orb::sysprops

@@ -4,6 +4,7 @@
 #include <optional>
 #include <string>
 
+#include "portability/outofmemory.h"
 #include "sysprops/collect.h"
 #include "sysprops/collectors.h"
 
@@ -97,7 +98,10 @@ bool portable_computer(const platform::System& system, bool& portable) {
   return true;
 }
 
-bool IsPortableComputer(bool& portable) { return portable_computer(platform::host(), portable); }
+bool IsPortableComputer(bool& portable) {
+  return portability::unless_out_of_memory(
+      false, [&] { return portable_computer(platform::host(), portable); });
+}
 
 bool ISysProps::GetCPUInformation(CPUInformation& record) {
   return collect_cpu(platform::host(), record);

@@ -8,10 +8,13 @@
 #include <memory>
 
 #include "fileutil/conversions.h"
+#include "portability/outofmemory.h"
 #include "sysprops/collect.h"
 #include "sysprops/records.h"
 
 namespace quillon_com::orb::sysprops {
+
+using portability::unless_out_of_memory;
 
 namespace {
 
@@ -49,7 +52,7 @@ std::string sysprops_wide_to_ansi(const std::wstring& text) {
   const Buffer<char> bytes = zeroed<char>(text.size() * 6 + 1);
   if (!bytes) return {};
   voxcomn_unicode_to_utf8(text.c_str(), bytes.get(), &capacity);
-  return bytes.get();
+  return unless_out_of_memory(std::string(), [&] { return std::string(bytes.get()); });
 }
 
 std::wstring sysprops_ansi_to_wide(const std::string& text) {
@@ -57,7 +60,7 @@ std::wstring sysprops_ansi_to_wide(const std::string& text) {
   const Buffer<wchar_t> characters = zeroed<wchar_t>(text.size() + 1);
   if (!characters) return {};
   voxcomn_utf8_to_unicode(text.c_str(), characters.get(), &capacity);
-  return characters.get();
+  return unless_out_of_memory(std::wstring(), [&] { return std::wstring(characters.get()); });
 }
 
 template <class T>
@@ -90,8 +93,10 @@ bool GetPwUid(unsigned uid, std::string& name) {
     texts.reset(larger);
   }
   if (result != 0 || found == nullptr) return false;
-  name = account.pw_name;
-  return true;
+  return unless_out_of_memory(false, [&] {
+    name = account.pw_name;
+    return true;
+  });
 }
 
 bool computer_name(const platform::System& system, std::string& name) {
@@ -101,6 +106,8 @@ bool computer_name(const platform::System& system, std::string& name) {
   return true;
 }
 
-bool getComputerName(std::string& name) { return computer_name(platform::host(), name); }
+bool getComputerName(std::string& name) {
+  return unless_out_of_memory(false, [&] { return computer_name(platform::host(), name); });
+}
 
 }  // namespace quillon_com::orb::sysprops

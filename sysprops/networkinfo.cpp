@@ -27,21 +27,19 @@ void write_hardware_address(const NetInterface& interface, NetworkInformation& r
 
 bool choose_last_known(NetInterfaceList& list, const std::string& last_known,
                        NetworkInformation& record) {
-  NetInterface interface;
-  if (last_known.empty() || !getNetInterfaceFromIPAddress(interface, last_known, list)) {
-    return false;
-  }
-  write_hardware_address(interface, record);
-  for (const IPAddress& address : interface.getIPAddress()) {
+  if (last_known.empty()) return false;
+  const NetInterface* const interface = network::carrier_of(last_known, list);
+  if (interface == nullptr) return false;
+  write_hardware_address(*interface, record);
+  for (const IPAddress& address : interface->getIPAddress()) {
     if (address.getIPAddress() == last_known) write_address(address, record);
   }
   return true;
 }
 
-bool choose_family(const NetInterfaceList& list, unsigned family, NetworkInformation& record) {
+bool choose_family(NetInterfaceList& list, unsigned family, NetworkInformation& record) {
   for (const int index : list.getIndexes()) {
-    NetInterface interface;
-    if (!list.getNetInterface(static_cast<unsigned>(index), interface)) continue;
+    const NetInterface& interface = list.getNetInterface(static_cast<unsigned>(index));
     for (const IPAddress& address : interface.getIPAddress()) {
       if (address.getIPFamily() != family) continue;
       write_address(address, record);
@@ -52,12 +50,10 @@ bool choose_family(const NetInterfaceList& list, unsigned family, NetworkInforma
   return false;
 }
 
-void choose_first(const NetInterfaceList& list, NetworkInformation& record) {
+void choose_first(NetInterfaceList& list, NetworkInformation& record) {
   const std::vector<int> indexes = list.getIndexes();
-  NetInterface interface;
-  if (indexes.empty() || !list.getNetInterface(static_cast<unsigned>(indexes.front()), interface)) {
-    return;
-  }
+  if (indexes.empty()) return;
+  const NetInterface& interface = list.getNetInterface(static_cast<unsigned>(indexes.front()));
   const std::vector<IPAddress> addresses = interface.getIPAddress();
   if (addresses.empty()) return;
   write_address(addresses.front(), record);

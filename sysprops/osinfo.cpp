@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include "portability/outofmemory.h"
 #include "sysprops/collect.h"
 #include "sysprops/releaseinfo.h"
 
@@ -137,13 +138,14 @@ bool from_release_files(const platform::System& system, const platform::ReleaseT
   platform::KernelNames kernel;
   const bool named = system.kernel_names(&kernel);
   const std::string version = release_version(texts, kernel.release);
+  const std::string patch = release_patch(texts, version);
+  const std::string name = release_name(texts);
 
   record.platformId = platform_linux;
   record.osType = os_linux;
-  record.osOemId = unknown;
-  write_known(release_name(texts), &record.osOemId);
+  record.osOemId = name.empty() ? unknown : sysprops_ansi_to_wide(name);
   write_known(version, &record.osVersion);
-  write_known(release_patch(texts, version), &record.osCsdVersion);
+  write_known(patch, &record.osCsdVersion);
   write_known(kernel.release, &record.osBuildNum);
   record.osPlatform = release_is_server(texts) ? p_server : p_workstation;
   record.osBitMode = sysprops_ansi_to_wide(named ? release_bit_mode(kernel.machine) : "-1");
@@ -153,9 +155,11 @@ bool from_release_files(const platform::System& system, const platform::ReleaseT
 }  // namespace
 
 bool collect_os(const platform::System& system, OSInformation& record, Fields fields) {
-  platform::ReleaseTexts texts;
-  if (system.release_texts(&texts)) return from_release_files(system, texts, record);
-  return from_version_list(system, record, fields);
+  return portability::unless_out_of_memory(false, [&] {
+    platform::ReleaseTexts texts;
+    if (system.release_texts(&texts)) return from_release_files(system, texts, record);
+    return from_version_list(system, record, fields);
+  });
 }
 
 bool ISysProps::GetOSInformation(OSInformation& record) {

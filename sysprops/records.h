@@ -88,13 +88,15 @@ class ORB_EXPORT ISysProps {
   // from several threads serialise the calls.
   static std::wstring m_wstrLastKnownLocalIP;
 
-  // Stores a copy of `address` in m_wstrLastKnownLocalIP.
+  // Stores a copy of `address` in m_wstrLastKnownLocalIP. Throws std::bad_alloc, with the word as
+  // it was, when memory runs out; so does the copy that GetLastKnownLocalIP makes.
   static void updateLocalIP(const std::wstring& address);
   // Returns a copy of m_wstrLastKnownLocalIP.
   static std::wstring GetLastKnownLocalIP();
 
   // Each fills the caller's record and writes only the fields that it could determine; the others
-  // keep their values. None logs or throws on purpose.
+  // keep their values. None logs or throws on purpose: where memory runs out GetOSInformation
+  // returns false and the others throw std::bad_alloc, with the fields written until then.
 
   // Returns false when neither the architecture nor the model is known: `cpuType` is then empty and
   // `isPortable` untouched. `cpuSerialNumber` is never written.
@@ -119,8 +121,7 @@ class ORB_EXPORT ISysProps {
   // version lists is identified by its release files, and the result is true.
   // A version list of more than 16 MiB counts as unreadable. The version is made of the components
   // that the version text has, three at most; a missing text, or one of more than 255 bytes, counts
-  // as empty, and a missing component as 0 in the server test. When memory runs out before the
-  // build is looked up, the fixed names and the version are written, and the result is false.
+  // as empty, and a missing component as 0 in the server test.
   // Quirk: an empty compatibility list hides a version list beside it: the result is false.
   // Quirk: the server test of a version list reads the version's major and minor number at their
   // places in a buffer that the build text has since overwritten: it looks at the leading digits of
@@ -142,7 +143,8 @@ class ORB_EXPORT ISysProps {
   bool GetMiscInformation(MiscInformation& record);
 
   // Both collect into all of this object's records, ignore the collectors' results and replace what
-  // `properties` held by one entry per key; both always return true.
+  // `properties` held by one entry per key; both always return true. When memory runs out they
+  // throw std::bad_alloc, the maps then as they were; so do the functions that answer one property.
 
   // 29 keys, and two per local file system M: `FileSystem"M" Total_Disk_Space_in_MB` and
   // `FileSystem"M" Free_Disk_Space_in_MB`.
@@ -273,11 +275,12 @@ extern ORB_EXPORT const std::string suse_server_strings;
 extern ORB_EXPORT const std::wstring os_platform_ini;
 
 // The UTF-8 form of `text` up to its first zero character, or up to the first that is no Unicode
-// scalar value. Empty when the work buffer of six bytes a character cannot be allocated.
+// scalar value. Empty when the work buffer of six bytes a character, or the text itself, finds no
+// memory.
 ORB_EXPORT std::string sysprops_wide_to_ansi(const std::wstring& text);
 
 // The wide form of the UTF-8 `text` up to its first zero byte, or up to the first byte that is not
-// UTF-8. Empty when the work buffer cannot be allocated.
+// UTF-8. Empty when the work buffer or the text itself finds no memory.
 ORB_EXPORT std::wstring sysprops_ansi_to_wide(const std::string& text);
 
 // Rounds `value` down onto the grid lower + k * ((upper - lower) / steps), 0 <= k <= steps, so that
@@ -304,7 +307,7 @@ extern template ORB_EXPORT double get_closest_floor<double>(const double&, const
 ORB_EXPORT bool GetPwUid(unsigned uid, std::string& name);
 
 // The machine's node name up to its first ".". Returns false with `name` untouched when the kernel
-// does not tell it.
+// does not tell it or memory runs out.
 ORB_EXPORT bool getComputerName(std::string& name);
 
 }  // namespace quillon_com::orb::sysprops
