@@ -12,6 +12,7 @@
 #include <cstring>
 
 #include "tests/darwin/scripted_macos.h"
+#include "tests/support/faults.h"
 
 namespace orbtest {
 
@@ -87,6 +88,7 @@ int sysctl(int* name, u_int name_size, void* old, size_t* old_size, void*, size_
 }
 
 int sysctlbyname(const char* name, void* old, size_t* old_size, void*, size_t) {
+  const orbtest::FaultsPaused own_memory;
   return orbtest::answer(orbtest::find(mac().named_values, name), old, old_size);
 }
 

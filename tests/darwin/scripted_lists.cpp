@@ -2,6 +2,7 @@
 #include <memory>
 
 #include "tests/darwin/scripted_macos.h"
+#include "tests/support/faults.h"
 
 namespace orbtest {
 namespace {
@@ -45,6 +46,7 @@ using orbtest::mac;
 using orbtest::Object;
 
 void CFRelease(CFTypeRef reference) {
+  const orbtest::FaultsPaused own_memory;
   if (mac().owned.erase(reference) == 0) {
     mac().misuse.push_back("a release of what is not the caller's");
     return;
@@ -59,6 +61,7 @@ CFTypeID CFDictionaryGetTypeID() { return orbtest::kDictionary; }
 CFTypeID CFStringGetTypeID() { return orbtest::kText; }
 
 CFDataRef CFDataCreate(CFAllocatorRef, const UInt8* bytes, CFIndex length) {
+  const orbtest::FaultsPaused own_memory;
   if (mac().no_data_objects) return nullptr;
   auto object = std::make_unique<Object>();
   object->type = orbtest::kData;
@@ -67,6 +70,7 @@ CFDataRef CFDataCreate(CFAllocatorRef, const UInt8* bytes, CFIndex length) {
 }
 
 CFStringRef CFStringCreateWithCString(CFAllocatorRef, const char* text, CFStringEncoding encoding) {
+  const orbtest::FaultsPaused own_memory;
   if (encoding != kCFStringEncodingUTF8) mac().misuse.push_back("a key that is not UTF-8");
   if (mac().text_objects && (*mac().text_objects)-- <= 0) return nullptr;
   auto object = std::make_unique<Object>();
@@ -89,6 +93,7 @@ Boolean CFStringGetCString(CFStringRef string, char* buffer, CFIndex capacity,
 
 Boolean CFDictionaryGetValueIfPresent(CFDictionaryRef dictionary, const void* key,
                                       const void** value) {
+  const orbtest::FaultsPaused own_memory;
   const Object* object = orbtest::checked(dictionary, orbtest::kDictionary);
   const Object* name = orbtest::checked(key, orbtest::kText);
   if (object == nullptr || name == nullptr) return 0;
@@ -100,6 +105,7 @@ Boolean CFDictionaryGetValueIfPresent(CFDictionaryRef dictionary, const void* ke
 
 CFPropertyListRef CFPropertyListCreateFromXMLData(CFAllocatorRef, CFDataRef data,
                                                   CFOptionFlags mutability, CFStringRef*) {
+  const orbtest::FaultsPaused own_memory;
   if (mutability != kCFPropertyListImmutable) mac().misuse.push_back("a list that may change");
   const Object* bytes = orbtest::checked(data, orbtest::kData);
   if (bytes == nullptr) return nullptr;

@@ -72,6 +72,7 @@ struct Mac {
   int host_rights = 0;          // taken and not given back
   int host_rights_taken = 0;    // in all
   int interface_lists = 0;      // taken and not released
+  int address_lists = 0;        // of the resolver, as those
   std::set<const void*> owned;  // CoreFoundation objects made and not released
   std::vector<std::string> misuse;
 };
@@ -110,6 +111,7 @@ class MacTest : public testing::Test {
   void TearDown() override {
     EXPECT_EQ(0, mac().host_rights) << "rights to the host port";
     EXPECT_EQ(0, mac().interface_lists) << "interface lists";
+    EXPECT_EQ(0, mac().address_lists) << "address lists";
     EXPECT_EQ(0u, mac().owned.size()) << "CoreFoundation objects";
     EXPECT_EQ(std::vector<std::string>(), mac().misuse);
   }

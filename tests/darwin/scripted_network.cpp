@@ -11,6 +11,7 @@
 #include <cstdlib>
 
 #include "tests/darwin/scripted_macos.h"
+#include "tests/support/faults.h"
 
 // The machine's own functions, which know its own family numbers.
 extern "C" {
@@ -117,6 +118,7 @@ std::string link_address(const std::string& name, const std::string& hardware) {
 using orbtest::mac;
 
 int getifaddrs(ifaddrs** list) {
+  const orbtest::FaultsPaused own_memory;
   if (!mac().interfaces) return -1;
   *list = nullptr;
   ifaddrs** end = list;
@@ -147,6 +149,7 @@ void freeifaddrs(ifaddrs* list) {
 }
 
 unsigned if_nametoindex(const char* name) {
+  const orbtest::FaultsPaused own_memory;
   const auto found = mac().indexes.find(name);
   return found == mac().indexes.end() ? 0 : found->second;
 }
@@ -172,6 +175,7 @@ int inet_pton(int family, const char* text, void* address) {
 // The family decides; the stated size does not.
 int getnameinfo(const sockaddr* address, socklen_t, char* host, socklen_t host_size, char*,
                 socklen_t, int flags) {
+  const orbtest::FaultsPaused own_memory;
   const int family = address->sa_family;
   if ((family != AF_INET && family != AF_INET6) || (flags & NI_NUMERICHOST) == 0) return EAI_FAIL;
   const std::string text = orbtest::numeric_text(address);
@@ -180,20 +184,28 @@ int getnameinfo(const sockaddr* address, socklen_t, char* host, socklen_t host_s
   return 0;
 }
 
-// Knows zones by number alone, and answers without a list.
+// Knows zones by number alone; what the list holds nobody looks at.
 int getaddrinfo(const char* host, const char*, const addrinfo*, addrinfo** list) {
+  const orbtest::FaultsPaused own_memory;
   const char* zone = strchr(host, '%');
-  *list = nullptr;
   if (zone == nullptr) return EAI_NONAME;
   for (const auto& [name, index] : mac().indexes) {
-    if (std::to_string(index) == zone + 1) return 0;
+    if (std::to_string(index) != zone + 1) continue;
+    *list = new addrinfo{};
+    ++mac().address_lists;
+    return 0;
   }
   return EAI_NONAME;
 }
 
-void freeaddrinfo(addrinfo*) {}
+void freeaddrinfo(addrinfo* list) {
+  if (list == nullptr) mac().misuse.push_back("a null address list");
+  if (list != nullptr) --mac().address_lists;
+  delete list;
+}
 
 hostent* gethostbyname(const char* name) {
+  const orbtest::FaultsPaused own_memory;
   static hostent record;
   static std::string official;
   const auto found = mac().officials.find(name);

@@ -5,13 +5,10 @@
 #include <dlfcn.h>
 #include <fcntl.h>
 #include <pthread.h>
-#include <pwd.h>
 #include <signal.h>
 #include <sys/sendfile.h>
 #include <sys/stat.h>
-#include <sys/statfs.h>
 #include <sys/time.h>
-#include <sys/utsname.h>
 #include <unistd.h>
 
 #include <cerrno>
@@ -23,17 +20,11 @@
 #include <new>
 
 #include "tests/support/liveblocks.h"
+#include "tests/support/tracedcalls.h"
 
 namespace {
 
 thread_local orbtest::CallTrace* trace = nullptr;
-
-// Whether this call of `function` is to fail; errno then says `code`.
-bool fails(const char* function, int code) {
-  if (trace == nullptr || !trace->fails(function)) return false;
-  errno = code;
-  return true;
-}
 
 }  // namespace
 
@@ -66,29 +57,19 @@ std::string CallTrace::call(size_t index) const {
   return std::string(names_[index]) + "#" + std::to_string(ordinal);
 }
 
+bool is_traced() { return trace != nullptr; }
+
+bool fails(const char* function, int code) {
+  if (trace == nullptr || !trace->fails(function)) return false;
+  errno = code;
+  return true;
+}
+
 }  // namespace orbtest
 
+using orbtest::fails;
+
 extern "C" {
-
-// The stand-in of `symbol`, which is told as `name`: it gives `failed`, with `code` in errno, or
-// what the system gives.
-#define ORB_TRACED(type, symbol, name, failed, code, parameters, arguments) \
-  type __real_##symbol parameters;                                          \
-  type __wrap_##symbol parameters { return fails(name, code) ? failed : __real_##symbol arguments; }
-
-// The same where the call does its work in any case.
-#define ORB_TRACED_BEHIND(type, symbol, name, failed, code, parameters, arguments) \
-  type __real_##symbol parameters;                                                 \
-  type __wrap_##symbol parameters {                                                \
-    const type result = __real_##symbol arguments;                                 \
-    return fails(name, code) ? failed : result;                                    \
-  }
-
-// Pthread functions return the code.
-#define ORB_TRACED_THREAD(symbol, code, parameters, arguments) \
-  ORB_TRACED(int, symbol, #symbol, code, code, parameters, arguments)
-#define ORB_TRACED_THREAD_BEHIND(symbol, code, parameters, arguments) \
-  ORB_TRACED_BEHIND(int, symbol, #symbol, code, code, parameters, arguments)
 
 ORB_TRACED_THREAD(pthread_attr_init, ENOMEM, (pthread_attr_t * made), (made))
 ORB_TRACED_THREAD(pthread_attr_setdetachstate, EINVAL, (pthread_attr_t * made, int state),
@@ -146,8 +127,6 @@ ORB_TRACED(int, unlinkat, "unlinkat", -1, EACCES, (int folder, const char* path,
 ORB_TRACED(ssize_t, readlink, "readlink", -1, EACCES, (const char* path, char* text, size_t size),
            (path, text, size))
 ORB_TRACED(char*, getcwd, "getcwd", nullptr, ENOENT, (char* path, size_t size), (path, size))
-ORB_TRACED(int, statfs64, "statfs", -1, EACCES, (const char* path, struct statfs* answer),
-           (path, answer))
 ORB_TRACED(ssize_t, sendfile64, "sendfile", -1, EIO,
            (int to, int from, off_t* offset, size_t count), (to, from, offset, count))
 ORB_TRACED_BEHIND(int, close, "close", -1, EIO, (int file), (file))
@@ -159,31 +138,10 @@ ORB_TRACED(void*, dlsym, "dlsym", nullptr, ENOENT, (void* library, const char* n
            (library, name))
 ORB_TRACED_BEHIND(int, dlclose, "dlclose", -1, EINVAL, (void* library), (library))
 
-ORB_TRACED(long, sysconf, "sysconf", -1, EINVAL, (int name), (name))
 ORB_TRACED(int, clock_gettime, "clock_gettime", -1, EINVAL, (clockid_t clock, timespec* now),
            (clock, now))
-ORB_TRACED(tm*, localtime_r, "localtime_r", nullptr, EOVERFLOW, (const time_t* time, tm* broken),
-           (time, broken))
 ORB_TRACED(tm*, gmtime_r, "gmtime_r", nullptr, EOVERFLOW, (const time_t* time, tm* broken),
            (time, broken))
-// Functions that look accounts up return the code.
-ORB_TRACED(int, getpwnam_r, "getpwnam_r", EIO, EIO,
-           (const char* name, passwd* account, char* texts, size_t size, passwd** found),
-           (name, account, texts, size, found))
-
-int __real_uname(utsname* names);
-int __wrap_uname(utsname* names);
-int __wrap_uname(utsname* names) {
-  if (fails("uname", EFAULT)) return -1;
-  const int result = __real_uname(names);
-  // The machine's own may be short enough to be kept without memory.
-  if (trace != nullptr) {
-    for (char* name : {names->nodename, names->machine, names->release})
-      strcpy(name, "a-name-longer-than-a-text-object");
-  }
-  return result;
-}
-
 int __real_open64(const char* path, int flags, mode_t mode);
 int __wrap_open64(const char* path, int flags, ...);
 int __wrap_open64(const char* path, int flags, ...) {

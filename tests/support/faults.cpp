@@ -51,6 +51,9 @@ MemoryFaults::~MemoryFaults() { watch.active = false; }
 size_t MemoryFaults::requests() const { return watch.requests; }
 size_t MemoryFaults::failures() const { return watch.failures; }
 
+FaultsPaused::FaultsPaused() : watched_before_(watch.active) { watch.active = false; }
+FaultsPaused::~FaultsPaused() { watch.active = watched_before_; }
+
 }  // namespace orbtest
 
 extern "C" {

@@ -28,6 +28,19 @@ class MemoryFaults {
   size_t failures() const;
 };
 
+// While it lives, requests of this thread are neither counted nor refused: what stands in for a
+// system has memory of its own.
+class FaultsPaused {
+ public:
+  FaultsPaused();
+  FaultsPaused(const FaultsPaused&) = delete;
+  FaultsPaused& operator=(const FaultsPaused&) = delete;
+  ~FaultsPaused();
+
+ private:
+  const bool watched_before_;
+};
+
 // Runs `step(nth, failing)` with the first, second, ... request failing, once and onwards, until a
 // run makes fewer than `nth` requests. `step` opens a MemoryFaults with both, does its work inside,
 // checks the outcome behind it and returns the scope's failures(). Returns the requests of a

@@ -32,9 +32,11 @@ struct Fault {
   const char* answer;
   int64_t error_word = kUntouched;  // in nErrno
   size_t kept = 0;                  // blocks of memory that stay allocated by the interface's rule
+  const char* or_answer = nullptr;  // as good: what failed may not have mattered for the answer
 };
 
 inline std::string answer_text(const std::string& text) { return text; }
+inline std::string answer_text(const std::wstring& text) { return {text.begin(), text.end()}; }
 inline std::string answer_text(const char* text) { return text == nullptr ? "null" : text; }
 
 // Numbers in decimal; pointers as "null", "-1" (all ones) or "made".
