@@ -53,7 +53,6 @@ class Preparation : public testing::Environment {
   void SetUp() override {
     write_files(root_folder());
     const Machine machine;
-    seam::host().rewind_sessions();
   }
 };
 
@@ -64,9 +63,13 @@ testing::Environment* const preparation = testing::AddGlobalTestEnvironment(new 
 Machine::Machine() {
   if (machine_answers) abort();
   machine_answers = true;
+  seam::host().rewind_sessions();  // from now on the C library's entries are this machine's
 }
 
-Machine::~Machine() { machine_answers = false; }
+Machine::~Machine() {
+  machine_answers = false;
+  seam::host().rewind_sessions();
+}
 
 }  // namespace orbtest
 
