@@ -96,6 +96,7 @@ set(ORB_PLATFORM_SOURCES
   platform/linux_mounts.cpp
   platform/linux_text.cpp
   platform/posix_system.cpp
+  platform/system.cpp
   platform/version_list.cpp
   platform/version_list_binary.cpp
   platform/version_list_xml.cpp

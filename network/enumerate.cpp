@@ -86,10 +86,10 @@ class InterfaceWalk {
     std::string mask;
     std::string subnet;
     if (!numeric_text(without_zone(entry.address), &address) || !usable(static_cast<int>(family)) ||
-        !mask_text(family, netmask, &mask) ||
-        !subnet_text(family, netmask, entry.address.get(), &subnet)) {
+        !mask_text(family, netmask, &mask)) {
       return false;
     }
+    subnet_text(family, netmask, entry.address.get(), &subnet);  // both are there
     if (family == AF_INET6) {
       address = expandIPV6Address(address);
       mask = expandIPV6Address(mask);

@@ -114,12 +114,7 @@ class System {
   // The index of the interface called `name`; 0 when there is none.
   virtual unsigned interface_index(const std::string& name) const = 0;
   // The same for each of `names`, in their order; a system may ask for all at less cost.
-  virtual std::vector<unsigned> interface_indexes(const std::vector<std::string>& names) const {
-    std::vector<unsigned> indexes;
-    indexes.reserve(names.size());
-    for (const std::string& name : names) indexes.push_back(interface_index(name));
-    return indexes;
-  }
+  virtual std::vector<unsigned> interface_indexes(const std::vector<std::string>& names) const;
   // Whether a datagram socket of `family` can be opened.
   virtual bool family_usable(int family) const = 0;
   // Whether the resolver takes `zoned_address` ("fe80::1%2") as a numeric address.
@@ -179,14 +174,7 @@ class System {
   virtual bool total_memory(uint64_t* bytes) const = 0;
   virtual bool free_memory(uint64_t* pages, uint64_t* page_size) const = 0;
   // Both at once, for a system that reads them from one source.
-  virtual MemoryFigures memory_figures() const {
-    MemoryFigures figures;
-    uint64_t total = 0;
-    if (total_memory(&total)) figures.total = total;
-    uint64_t pages = 0;
-    if (free_memory(&pages, &figures.page_size)) figures.free_pages = pages;
-    return figures;
-  }
+  virtual MemoryFigures memory_figures() const;
   // The mounted file systems in the system's order, those of other machines only where listing
   // them asks none of them; empty when the table cannot be read.
   virtual std::vector<Volume> volumes() const = 0;

@@ -14,7 +14,7 @@ struct CodeName {
 };
 
 // A four-character code: its characters from the highest byte down.
-constexpr long code(const char (&text)[5]) {
+consteval long code(const char (&text)[5]) {
   return (long{text[0]} << 24) | (long{text[1]} << 16) | (long{text[2]} << 8) | long{text[3]};
 }
 

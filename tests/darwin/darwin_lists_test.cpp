@@ -58,6 +58,12 @@ TEST_F(MacLists, AValueThatIsNoTextGivesNoText) {
   EXPECT_EQ((Texts{std::nullopt, std::nullopt}), texts);
 }
 
+TEST_F(MacLists, AValueThatIsNothingGivesNoText) {
+  mac().lists["list"] = ListValue::dictionary({{"ProductVersion", ListValue::nothing()}});
+  EXPECT_TRUE(read("list"));
+  EXPECT_EQ((Texts{std::nullopt, std::nullopt}), texts);
+}
+
 TEST_F(MacLists, AListThatCannotBeParsedIsNone) {
   EXPECT_FALSE(read(""));
   EXPECT_FALSE(read("no list"));

@@ -16,6 +16,7 @@ struct Object {
 };
 
 std::unique_ptr<Object> object_of(const ListValue& value) {
+  if (value.kind == ListValue::kNothing) return nullptr;
   auto object = std::make_unique<Object>();
   object->type = value.kind == ListValue::kText    ? kText
                  : value.kind == ListValue::kArray ? kArray

@@ -33,12 +33,13 @@ struct MacInterface {
 
 // A value of a property list.
 struct ListValue {
-  enum Kind { kText, kArray, kDictionary } kind = kText;
+  enum Kind { kText, kArray, kDictionary, kNothing } kind = kText;
   std::string text;
   std::map<std::string, ListValue> entries;
 
   static ListValue of_text(const std::string& text) { return {kText, text, {}}; }
   static ListValue array() { return {kArray, "", {}}; }
+  static ListValue nothing() { return {kNothing, "", {}}; }  // a null pointer
   static ListValue dictionary(std::map<std::string, ListValue> entries) {
     return {kDictionary, "", std::move(entries)};
   }

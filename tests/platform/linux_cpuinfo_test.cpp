@@ -61,6 +61,10 @@ INSTANTIATE_TEST_SUITE_P(
         ModelCase{"CutInTheName", "model name\t: AMD EP", "AMD EP"},
         ModelCase{"ZeroByteEndsTheLine", "model name\t: AMD\0EPYC\n"s, "AMD"},
         ModelCase{"NumberTooLong", "CPU implementer : 0x000000041\nCPU part : 0xd0c\n", ""},
+        ModelCase{"NumberWithoutItsPrefix", "CPU implementer : 41\nCPU part : 0xd0c\n", ""},
+        ModelCase{"SignInANumber", "CPU implementer : 0x4:\nCPU part : 0xd0c\n", ""},
+        ModelCase{"S390WithoutAMachine", "processor 0: version = FF,  identification = 0133E8\n",
+                  ""},
         ModelCase{"NotHexadecimal", "CPU implementer : 0x4g\nCPU part : 0xd0c\n", ""},
         ModelCase{"DigitsMissing", "CPU implementer : 0x\nCPU part : 0xd0c\n", ""},
         ModelCase{"Empty", "", ""}),
@@ -82,6 +86,7 @@ TEST(ArmCores, OfEveryImplementer) {
 TEST(CpuInfo, HypervisorIsAWordOfTheFlags) {
   EXPECT_TRUE(cpu_info("flags\t\t: fpu hypervisor lahf_lm\n").hypervisor);
   EXPECT_TRUE(cpu_info("flags\t\t: fpu hypervisor").hypervisor);
+  EXPECT_TRUE(cpu_info("flags\t\t: hypervisor\n\nflags\t\t: fpu\n").hypervisor);
   EXPECT_FALSE(cpu_info("flags\t\t: fpu hypervisors lahf_lm\n").hypervisor);
   EXPECT_FALSE(cpu_info("bugs\t\t: hypervisor\n").hypervisor);
   EXPECT_FALSE(cpu_info("flags\t\t:\n").hypervisor);

@@ -42,6 +42,15 @@ TEST(Entry, WithoutAddress) {
   EXPECT_FALSE(entry.link_address.has_value());
 }
 
+TEST(Entry, AnotherFamilyHasTheGenericRecord) {
+  sockaddr_storage address{};
+  address.ss_family = AF_UNIX;
+  const InterfaceEntry entry = entry_with(reinterpret_cast<sockaddr*>(&address));
+  EXPECT_EQ(sizeof(sockaddr), entry.address.size);
+  EXPECT_EQ(AF_UNIX, entry.address.get()->sa_family);
+  EXPECT_FALSE(entry.link_address.has_value());
+}
+
 TEST(Entry, LabelIsCutOffTheName) {
   EXPECT_EQ("eth0", entry_with(nullptr, nullptr, "eth0:1").name);
   EXPECT_EQ("eth0", entry_with(nullptr, nullptr, "eth0:1:2").name);

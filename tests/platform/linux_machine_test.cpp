@@ -11,6 +11,7 @@
 #include <string>
 
 #include "platform/linux_system.h"
+#include "tests/support/temp_dir.h"
 
 namespace {
 
@@ -118,6 +119,30 @@ TEST(ThisMachine, MemoryWithoutTheTable) {
   ASSERT_TRUE(system.free_memory(&other_pages, &other_size));
   EXPECT_NEAR(static_cast<double>(pages * page_size), static_cast<double>(other_pages * other_size),
               static_cast<double>(from_table) / 10);
+}
+
+// What a table does not state is the kernel's, what it states is not.
+TEST(ThisMachine, MemoryWithHalfATable) {
+  class LiveWithTable : public LinuxSystem {
+   public:
+    using LinuxSystem::LinuxSystem;
+
+   protected:
+    bool is_running_machine() const override { return true; }
+  };
+  orbtest::TempDir root;
+  const LiveWithTable system(root.path());
+  root.write("/proc/meminfo", "MemTotal: 5 kB\n");
+  MemoryFigures figures = system.memory_figures();
+  EXPECT_EQ(5120u, figures.total);
+  EXPECT_TRUE(figures.free_pages.has_value());
+  uint64_t total = 0;
+  ASSERT_TRUE(host().total_memory(&total));
+  root.write("/proc/meminfo", "MemFree: 5 kB\n");
+  figures = system.memory_figures();
+  EXPECT_EQ(total, figures.total);
+  EXPECT_EQ(5u, figures.free_pages);
+  EXPECT_EQ(1024u, figures.page_size);
 }
 
 TEST(ThisMachine, ReleaseAsTheShellReadsIt) {

@@ -98,6 +98,8 @@ TEST(Clock, FirstSourceThatExists) {
   EXPECT_EQ(2000000000u, clock());
   root.write("/proc/cpuinfo", "model name\t: X\ncpu MHz\t\t: 4000.000\n");
   EXPECT_EQ(3000000000u, clock());
+  root.write(folder + "cpuinfo_max_freq", "18446744073709552\n");  // its hertz pass 64 bits
+  EXPECT_EQ(4000000000u, clock());
   root.write(folder + "cpuinfo_max_freq", "99999999999999999999\n");
   EXPECT_EQ(4000000000u, clock());
   root.write("/proc/cpuinfo", "model name\t: X\n");

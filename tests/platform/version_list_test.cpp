@@ -6,6 +6,7 @@
 #include <string>
 
 #include "platform/version_list_forms.h"
+#include "tests/support/binary_list.h"
 
 namespace {
 
@@ -26,6 +27,14 @@ TEST(PropertyListTexts, NoKeysGiveNoTexts) {
   Texts texts = {"old"};
   EXPECT_TRUE(property_list_texts("<dict/>", {}, &texts));
   EXPECT_TRUE(texts.empty());
+}
+
+TEST(PropertyListTexts, AKeyMuchShorterThanTheOneAskedForIsAnother) {
+  const orbtest::BinaryList list{{orbtest::dictionary_object({{1, 2}}),
+                                  orbtest::ascii_object("abc"), orbtest::ascii_object("v")}};
+  Texts texts;
+  EXPECT_TRUE(property_list_texts(list.bytes(), {"ProductBuildVersion"}, &texts));
+  EXPECT_EQ(Texts{std::nullopt}, texts);
 }
 
 TEST(PropertyListTexts, StayAsTheyWereWithoutAList) {

@@ -99,6 +99,11 @@ INSTANTIATE_TEST_SUITE_P(
                            {"ID", "ubuntu"},
                            {"VERSION_ID", "22.04"}}),
                     "Ubuntu", "22.04", "", false},
+        ReleaseCase{
+            "UbuntuTripleNeedsItsDots",
+            files(
+                {{"NAME", "Ubuntu"}, {"VERSION", "22"}, {"ID", "ubuntu"}, {"VERSION_ID", "22.04"}}),
+            "Ubuntu", "22.04", "", false},
         ReleaseCase{"TripleOfOthersIsIgnored",
                     files({{"NAME", "Mint"},
                            {"VERSION", "21.3.1 (Virginia)"},
