@@ -16,16 +16,18 @@
 namespace orbtest {
 
 // Runs `body` in a child process with a mount name space of its own and returns what it wrote to
-// standard output. nullopt without such a name space (it takes root), or when `body` returned
-// false, which tells that a mount was refused: reason to skip the test. A child that dies gives
-// its status as text, which no test expects.
+// standard output. One that does not come to an end is killed by a signal. nullopt without such a
+// name space (it takes root), or when `body` returned false, which tells that a mount was refused:
+// reason to skip the test. A child that dies gives its status as text, which no test expects.
 inline std::optional<std::string> in_mount_namespace(const std::function<bool()>& body) {
   constexpr int kRefused = 77;
+  constexpr unsigned kPatience = 120;  // seconds
   int ends[2];
   if (pipe(ends) != 0) return std::nullopt;
   std::fflush(nullptr);
   const pid_t child = fork();
   if (child == 0) {
+    alarm(kPatience);
     if (unshare(CLONE_NEWNS) != 0 ||
         mount("none", "/", nullptr, MS_REC | MS_PRIVATE, nullptr) != 0) {
       _exit(kRefused);

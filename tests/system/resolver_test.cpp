@@ -191,6 +191,59 @@ TEST(NameServerSilent, EveryCallWaitsForOneLookUpAtMost) {
       *written);
 }
 
+// The same for what resolves a server: one look-up of its addresses is the measure.
+TEST(NameServerSilent, TheUtilityWaitsForOneLookUpOfAServer) {
+  const auto written = on({"", "", "files dns"}, [] {
+    NameServer server;
+    if (!server.start(Zone::silent)) return false;
+    addrinfo hints{};
+    hints.ai_socktype = SOCK_STREAM;
+    addrinfo* list = nullptr;
+    auto begin = steady_clock::now();
+    const int code = getaddrinfo("far.example", "443", &hints, &list);
+    const auto one = steady_clock::now() - begin;
+    const int questions = server.asked();
+    std::printf("%s\n", code != 0 && questions > 0 ? "silent" : "?");
+    ANetworkUtil utility;
+    const auto measure = [&](const char* name, int look_ups, const std::function<bool()>& fails) {
+      begin = steady_clock::now();
+      const bool failed = fails();
+      const auto taken = steady_clock::now() - begin;
+      const bool in_time = taken < look_ups * (one + std::chrono::milliseconds(900));
+      std::printf("%s: %d %d %d\n", name, failed, server.asked() == look_ups * questions, in_time);
+    };
+    std::string local = "old";
+    std::vector<char*> names;
+    measure("names", 1,
+            [&] { return utility.qlnGetAddrinfo("far.example", "443", names, 0) != 0; });
+    measure("reach", 1, [&] {
+      return utility.qlnGetLocalIPAddress("far.example", "443", local, false, 0, 1) != 0;
+    });
+    measure("list", 2, [&] {
+      return utility.qlnGetLocalIPAddressFromList("far.example;near.example", "443", local, false,
+                                                  0, 1) != 0;
+    });
+    measure("peer", 1, [&] {
+      return !utility.qlnCompareAddressFromPeerAddress("far.example", "443", "192.0.2.1");
+    });
+    measure("address", 0, [&] {
+      return !utility.qlnCompareAddressFromPeerAddress("192.0.2.1", "443", "192.0.2.1");
+    });
+    std::printf("%s %zu", local.c_str(), names.size());
+    return true;
+  });
+  SKIP_WITHOUT(written);
+  EXPECT_EQ(
+      "silent\n"
+      "names: 1 1 1\n"
+      "reach: 1 1 1\n"
+      "list: 1 1 1\n"
+      "peer: 1 1 1\n"
+      "address: 0 1 0\n"
+      "old 0",
+      *written);
+}
+
 TEST(NameServerSilent, AKernelDomainNeedsNoLookUp) {
   const auto written = on({"", "corp.example", "files dns"}, [] {
     NameServer server;
