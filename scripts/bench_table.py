@@ -119,6 +119,10 @@ def main():
     tables = [(family.name, [row for each in family.operations() for row in operation_rows(each)])
               for family in families]
     growth = [(family.name, list(growth_rows(family))) for family in families]
+    loads = [family.context["load_avg"][0] for family in families if family.context["load_avg"]]
+    if loads and max(loads) > context["num_cpus"] + 1:
+        print(f"\nThe machine was busy with other work (load average up to {max(loads):.1f}): small "
+              "differences mean nothing here.")
     print_summary(tables + growth)
     for family, (name, rows), (_, grown) in zip(families, tables, growth):
         print(f"\n## {name}\n")
