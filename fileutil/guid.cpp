@@ -5,8 +5,8 @@
 #include <cstring>
 
 #include "fileutil/guidgenerator.h"
-#include "fileutil/hold.h"
 #include "platform/system.h"
+#include "portability/forks.h"
 
 namespace quillon_com::orb {
 namespace {
@@ -20,6 +20,8 @@ constexpr uint16_t kVariant = 0x8000;
 
 constexpr size_t kTextLength = 36;
 constexpr size_t kBracedLength = kTextLength + 2;
+
+portability::ProcessMutex generators_mutex;
 
 int64_t microseconds(const platform::System& system) {
   const timeval now = system.wall_time();
@@ -54,7 +56,7 @@ GuidGenerator& process_generator() {
 }  // namespace
 
 void GuidGenerator::choose_first_node(uint8_t* node) {
-  const Hold held(mutex_);
+  const portability::Hold held(generators_mutex);
   if (initialised_.load(std::memory_order_relaxed)) return;
   for (size_t i = 0; i < 6; ++i) node[i] = random_byte();
   node[0] |= 0x80;
@@ -70,7 +72,7 @@ void GuidGenerator::choose_reference(int64_t now) {
 }
 
 GuidGenerator::Moment GuidGenerator::settle(const platform::System& system, int64_t now) {
-  const Hold held(mutex_);
+  const portability::Hold held(generators_mutex);
   if (reference_.load(std::memory_order_relaxed) == 0) choose_reference(now);
   const int64_t reference = reference_.load(std::memory_order_relaxed);
   uint32_t adjustment = adjustment_.load(std::memory_order_relaxed);

@@ -1,8 +1,6 @@
 // fileutil/guidgenerator.h: the state behind the GUIDs of a process.
 #pragma once
 
-#include <pthread.h>
-
 #include <atomic>
 #include <cstdint>
 
@@ -31,14 +29,15 @@ class GuidGenerator {
 
   // The node of the first GUID; of a later one it stays as it is.
   void choose_first_node(uint8_t* node);
-  void choose_reference(int64_t now);  // under the mutex
+  void choose_reference(int64_t now);  // under the mutex of the generators
   // What a clock that has not passed the reference moment, or the first GUID, asks for.
   Moment settle(const platform::System& system, int64_t now);
 
-  pthread_mutex_t mutex_ = PTHREAD_MUTEX_INITIALIZER;  // serialises the changes of what follows
-  std::atomic<bool> initialised_{false};               // a first GUID was begun, its node chosen
-  std::atomic<int64_t> reference_{0};    // microseconds since 1970: a second before the first GUID
-  std::atomic<uint32_t> adjustment_{0};  // GUIDs made at the reference moment in a row
+  // One mutex of all generators serialises the changes of what follows; a forked child finds it
+  // free.
+  std::atomic<bool> initialised_{false};  // a first GUID was begun, its node chosen
+  std::atomic<int64_t> reference_{0};     // microseconds since 1970: a second before the first GUID
+  std::atomic<uint32_t> adjustment_{0};   // GUIDs made at the reference moment in a row
   std::atomic<uint16_t> clock_sequence_{0};
 };
 

@@ -4,12 +4,27 @@
 #include <utility>
 
 #include "platform/system.h"
+#include "portability/forks.h"
 #include "session/collect.h"
 
 namespace quillon_com::orb::session {
 namespace {
 
 constexpr int kUserProcess = 7;  // the entry type of a user's session
+
+// Held while the system reads an entry, so that a forked child finds the database, and the C
+// library's own lock on it, free.
+portability::ProcessMutex accounting_mutex;
+
+bool read_entry(const platform::System& system, platform::SessionEntry* entry) {
+  const portability::Hold held(accounting_mutex);
+  return system.next_session_entry(entry);
+}
+
+void rewind(const platform::System& system) {
+  const portability::Hold held(accounting_mutex);
+  system.rewind_sessions();
+}
 
 // The domains of `user`, joined by "|", by the first of three methods that finds one.
 bool find_domains(const platform::System& system, FILE* lines, const std::string& user,
@@ -52,7 +67,7 @@ std::string joined(const std::set<std::string>& names) {
 void scan_sessions(const platform::System& system, FILE* lines, std::set<std::string>* network,
                    std::set<std::string>* local, bool skip_local) {
   platform::SessionEntry entry;
-  while (system.next_session_entry(&entry)) {
+  while (read_entry(system, &entry)) {
     std::fprintf(lines, "%d  %s  %s  %s \n", entry.type, entry.id.c_str(), entry.user.c_str(),
                  entry.line.c_str());
     if (entry.type != kUserProcess) continue;
@@ -74,11 +89,11 @@ void collect_logged_on_users(const platform::System& system, FILE* lines,
   try {
     scan_sessions(system, lines, network, local, skip_local);
   } catch (...) {
-    system.rewind_sessions();
+    rewind(system);
     throw;
   }
   std::fputs("Coming out from the logon session collections.\n", lines);
-  system.rewind_sessions();
+  rewind(system);
 }
 
 void collect_user_lists(const platform::System& system, FILE* lines, std::string* network_list,

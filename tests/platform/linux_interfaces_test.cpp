@@ -45,7 +45,7 @@ TEST(Entry, WithoutAddress) {
 TEST(Entry, AnotherFamilyHasTheGenericRecord) {
   sockaddr_storage address{};
   address.ss_family = AF_UNIX;
-  const InterfaceEntry entry = entry_with(reinterpret_cast<sockaddr*>(&address));
+  const InterfaceEntry entry = entry_with(&address);
   EXPECT_EQ(sizeof(sockaddr), entry.address.size);
   EXPECT_EQ(AF_UNIX, entry.address.get()->sa_family);
   EXPECT_FALSE(entry.link_address.has_value());

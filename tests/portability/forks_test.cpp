@@ -115,6 +115,8 @@ const HeldCase kHeld[] = {
      [](std::function<void()> stop) {
        stop_in(1, stop, [] { quillon_com::orb::voxcomn_get_time_stamp_ansi(); });
      }},
+    {"Guids", [](std::function<void()> stop) { stop_in(1, stop, use_guids); }},
+    {"Users", [](std::function<void()> stop) { stop_in(1, stop, use_users); }},
     {"SystemLog",
      [](std::function<void()> stop) { stop_in(1, stop, [] { LogInSystemLog(7, "a parent"); }); }},
 };

@@ -4,16 +4,23 @@
 #include <gtest/gtest.h>
 #include <unistd.h>
 
+#include <cstdio>
+#include <string>
+
 #include "fileutil/dirent.h"
+#include "fileutil/guid.h"
 #include "fileutil/timestamp.h"
+#include "platform/system.h"
 #include "portability/dynlib.h"
 #include "portability/handles.h"
 #include "portability/selock.h"
 #include "portability/signals.h"
 #include "portability/threads.h"
+#include "session/collect.h"
 #include "tests/portability/attached.h"
 #include "tests/portability/handle_scope.h"
 #include "tests/portability/plugin_hook.h"
+#include "tests/support/callfaults.h"
 
 namespace orbtest {
 
@@ -57,6 +64,23 @@ inline void use_searches() {
 
 inline void use_stamps() { EXPECT_EQ(19u, quillon_com::orb::voxcomn_get_time_stamp_ansi().size()); }
 
+// By a clock set back, which asks for what all GUIDs share.
+inline void use_guids() {
+  const StoppedClock past(1, 0);
+  voxGuid guid{};
+  EXPECT_EQ(&guid, voxCoCreateGuid(&guid));
+  EXPECT_EQ(1, guid.bytes[6] >> 4);
+}
+
+inline void use_users() {
+  FILE* const nowhere = std::fopen("/dev/null", "we");
+  ASSERT_NE(nullptr, nowhere);
+  std::string users;
+  quillon_com::orb::session::collect_all_users(quillon_com::orb::platform::host(), nowhere, &users);
+  EXPECT_GE(128U, users.size());
+  std::fclose(nowhere);
+}
+
 inline void use_log() { EXPECT_TRUE(quillon_com::orb::LogInSystemLog(7, "a forked child")); }
 
 inline void use_locks() {
@@ -80,6 +104,8 @@ inline void use_everything() {
   use_libraries();
   use_searches();
   use_stamps();
+  use_guids();
+  use_users();
   use_log();
   use_locks();
   use_threads();

@@ -119,9 +119,11 @@ const orbtest::Tortures rows({
       {"pthread_mutex_lock", "nobody-of-note"},  // done without
       {"pthread_mutex_lock#1 onwards", kFailed},
       {"pthread_mutex_lock#2 onwards", kFailed},
+      {"pthread_mutex_lock#3 onwards", kFailed},
       {"pthread_mutex_unlock", "nobody-of-note"},
       {"pthread_mutex_unlock#1 onwards", kFailed},
       {"pthread_mutex_unlock#2 onwards", kFailed},
+      {"pthread_mutex_unlock#3 onwards", kFailed},
       {"getpwnam_r", "nobody-of-note"},
       {"getpwnam_r onwards", kFailed},
       {"stat", "nobody-of-note"},  // of the directory service's program, which is not there
