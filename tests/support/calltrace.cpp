@@ -203,7 +203,11 @@ void* operator new(size_t size, const std::nothrow_t&) noexcept {
   return fails("operator new", ENOMEM) ? nullptr : orbtest::note_block(__real_malloc(size));
 }
 
+// Both array forms by name: a sanitizer's own would take their place otherwise.
 void* operator new[](size_t size) { return operator new(size); }
+void* operator new[](size_t size, const std::nothrow_t& nothrow) noexcept {
+  return operator new(size, nothrow);
+}
 
 void operator delete(void* block) noexcept { __wrap_free(block); }
 void operator delete(void* block, size_t) noexcept { __wrap_free(block); }
