@@ -7,6 +7,8 @@
 #include <functional>
 #include <thread>
 
+#include "portability/selock.h"
+#include "portability/threads.h"
 #include "tests/support/attached.h"
 
 namespace orbtest {
@@ -30,6 +32,31 @@ class AttachedTest : public testing::Test {
     vxSO_ThreadDetach();
     vxSO_ProcessDetach();
   }
+};
+
+// Tests of one lock.
+class LockTest : public AttachedTest {
+ protected:
+  void SetUp() override {
+    AttachedTest::SetUp();
+    ASSERT_EQ(0u, vxSO_SELockCreate(&lock_));
+  }
+  void TearDown() override {
+    vxSO_Release(lock_);
+    AttachedTest::TearDown();
+  }
+
+  // Waits until `holds`, asked while the spin word is held.
+  template <class Condition>
+  void wait_until(Condition holds) {
+    for (bool held = false; !held; std::this_thread::yield()) {
+      vxSL_Get(&lock_->spin);
+      held = holds();
+      vxSL_Release(&lock_->spin);
+    }
+  }
+
+  _vxSELock_t* lock_ = nullptr;
 };
 
 // An event of nobody's thread, which can stand for another thread's.

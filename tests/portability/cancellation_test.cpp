@@ -61,22 +61,11 @@ bool gets_behind(const Body& body) {
   return thread.ended_behind_its_body();
 }
 
-class Cancellation : public orbtest::AttachedTest {
+class Cancellation : public orbtest::LockTest {
  protected:
-  void SetUp() override {
-    AttachedTest::SetUp();
-    ASSERT_EQ(0u, vxSO_SELockCreate(&lock_));
-  }
-  void TearDown() override {
-    vxSO_Release(lock_);
-    AttachedTest::TearDown();
-  }
   void wait_for_waiter() {
-    for (bool found = false; !found; std::this_thread::yield()) {
-      vxSL_Get(&lock_->spin);
-      found = lock_->exclusiveWaiters != nullptr || lock_->sharedWaiters != nullptr;
-      vxSL_Release(&lock_->spin);
-    }
+    wait_until(
+        [&] { return lock_->exclusiveWaiters != nullptr || lock_->sharedWaiters != nullptr; });
   }
   const void* head_of_writers() {
     vxSL_Get(&lock_->spin);
@@ -89,8 +78,6 @@ class Cancellation : public orbtest::AttachedTest {
     EXPECT_EQ(-1, lock_->owner);
     EXPECT_EQ(0u, lock_->count);
   }
-
-  _vxSELock_t* lock_ = nullptr;
 };
 
 TEST_F(Cancellation, OfABlockedThreadTakesItOutOfTheQueue) {

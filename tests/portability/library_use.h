@@ -112,24 +112,14 @@ inline void use_everything() {
 }
 
 // Tests of one lock and of threads that may take it.
-class ForkOfLocks : public AttachedTest {
+class ForkOfLocks : public LockTest {
  protected:
-  void SetUp() override {
-    AttachedTest::SetUp();
-    ASSERT_EQ(0u, vxSO_SELockCreate(&lock_));
-  }
-  void TearDown() override {
-    vxSO_Release(lock_);
-    AttachedTest::TearDown();
-  }
   void expect_free() {
     EXPECT_EQ(0, lock_->spin);
     EXPECT_EQ(0u, lock_->count);
     EXPECT_EQ(1, vxSO_SELockExclusive(lock_, 1));
     EXPECT_EQ(1, vxSO_SELockRelease(lock_));
   }
-
-  _vxSELock_t* lock_ = nullptr;
 };
 
 }  // namespace orbtest

@@ -36,11 +36,10 @@ int32_t note_too(void* context, uint32_t message, void* parameter, void* reserve
 
 using Told = std::vector<std::string>;
 
-class SELockNotify : public orbtest::AttachedTest {
+class SELockNotify : public orbtest::LockTest {
  protected:
   void SetUp() override {
-    AttachedTest::SetUp();
-    ASSERT_EQ(0u, vxSO_SELockCreate(&lock_));
+    LockTest::SetUp();
     told.clear();
   }
   void TearDown() override {
@@ -49,8 +48,7 @@ class SELockNotify : public orbtest::AttachedTest {
       free(record);
       record = next;
     }
-    vxSO_Release(lock_);
-    AttachedTest::TearDown();
+    LockTest::TearDown();
   }
   Record* records() { return static_cast<Record*>(lock_->notifyList); }
   void owned_by_other() {
@@ -63,7 +61,6 @@ class SELockNotify : public orbtest::AttachedTest {
   }
 
   orbtest::OtherEvent other_;
-  _vxSELock_t* lock_ = nullptr;
   int32_t done_ = 0;
   int32_t more_ = 5;
 };

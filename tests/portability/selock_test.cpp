@@ -28,26 +28,11 @@ struct Node {
   int64_t waiting;
 };
 
-class SELock : public orbtest::AttachedTest {
+class SELock : public orbtest::LockTest {
  protected:
   void SetUp() override {
-    AttachedTest::SetUp();
-    ASSERT_EQ(0u, vxSO_SELockCreate(&lock_));
+    LockTest::SetUp();
     me_ = vxSO_GetThread();
-  }
-  void TearDown() override {
-    vxSO_Release(lock_);
-    AttachedTest::TearDown();
-  }
-
-  // Waits until `holds`, asked while the spin word is held.
-  template <class Condition>
-  void wait_until(Condition holds) {
-    for (bool held = false; !held; std::this_thread::yield()) {
-      vxSL_Get(&lock_->spin);
-      held = holds();
-      vxSL_Release(&lock_->spin);
-    }
   }
   void wait_for_exclusive_waiter_other_than(const void* head) {
     wait_until([&] { return lock_->exclusiveWaiters != head; });
@@ -65,7 +50,6 @@ class SELock : public orbtest::AttachedTest {
     EXPECT_EQ(0u, lock_->count);
   }
 
-  _vxSELock_t* lock_ = nullptr;
   intptr_t me_ = -1;
 };
 
