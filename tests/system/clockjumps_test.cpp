@@ -31,7 +31,7 @@ constexpr int64_t kYear = 365 * 24 * kHour;
 
 class ClockJump : public testing::Test {
  private:
-  const orbtest::JumpingClock back_again_;
+  orbtest::JumpingClock back_again_;
 };
 
 // Behind the first one's clock each gets a sequence of its own; ahead of it the time differs.
@@ -130,7 +130,7 @@ void PrintTo(const MomentCase& row, std::ostream* out) { *out << row.name; }
 
 class ClockMoment : public testing::TestWithParam<MomentCase> {
  private:
-  const orbtest::JumpingClock back_again_;
+  orbtest::JumpingClock back_again_;
 };
 
 TEST_P(ClockMoment, IsStamped) {
