@@ -179,7 +179,6 @@ class XmlReader {
   bool begin_value(const Tag& tag, std::vector<OpenElement>* open,
                    std::optional<std::string>* text) {
     text->reset();
-    if (tag.closing) return false;
     if (tag.name == "dict" || tag.name == "array") {
       if (!tag.empty) open->push_back({tag.name == "dict", false});
       return true;
