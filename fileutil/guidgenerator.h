@@ -12,12 +12,20 @@ class System;
 
 namespace quillon_com::orb {
 
+// A GUID as two numbers: its bytes 0 to 7 and 8 to 15, the most significant first.
+struct GuidNumbers {
+  uint64_t first;
+  uint64_t second;
+};
+
 // Makes GUIDs by the rules of fileutil/guid.h. A later GUID of a clock that runs on takes no lock.
 class GuidGenerator {
  public:
-  // By the clock of `system`, which is read and never kept. `guid` is not null. Safe from any
-  // thread. Waits for the clock to move on when it stands at the reference moment for an eleventh
-  // GUID in a row.
+  // By the clock of `system`, which is read and never kept. Safe from any thread. Waits for the
+  // clock to move on when it stands at the reference moment for an eleventh GUID in a row.
+  GuidNumbers next(const platform::System& system);
+
+  // The next one, stored in `guid`, which is not null.
   void create(const platform::System& system, voxGuid* guid);
 
  private:
@@ -27,8 +35,8 @@ class GuidGenerator {
     uint16_t sequence;    // of the clock
   };
 
-  // The node of the first GUID; of a later one it stays as it is.
-  void choose_first_node(uint8_t* node);
+  // The node of the first GUID, 48 bits; 0 when another thread's was the first.
+  uint64_t choose_first_node();
   void choose_reference(int64_t now);  // under the mutex of the generators
   // What a clock that has not passed the reference moment, or the first GUID, asks for.
   Moment settle(const platform::System& system, int64_t now);

@@ -136,13 +136,21 @@ bool fill_list(const platform::System& system, NetInterfaceList& list) {
   return InterfaceWalk(system, list).run();
 }
 
-const NetInterface* carrier_of(const std::string& ip, NetInterfaceList& list) {
-  for (const int index : list.getIndexes()) {
-    const NetInterface& candidate = list.getNetInterface(static_cast<unsigned>(index));
-    for (const IPAddress& address : candidate.getIPAddress())
-      if (address.getIPAddress() == ip) return &candidate;
+// Looks at the records of a list in place: the getters would copy each on the way.
+class InterfaceSearch {
+ public:
+  static const NetInterface* carrier_of(const std::string& ip, const NetInterfaceList& list) {
+    for (const int index : list.getIndexes()) {
+      const NetInterface& candidate = list.interfaces.at(static_cast<unsigned>(index));
+      for (const IPAddress& address : candidate.ipAddresses)
+        if (address.ipAddress == ip) return &candidate;
+    }
+    return nullptr;
   }
-  return nullptr;
+};
+
+const NetInterface* carrier_of(const std::string& ip, const NetInterfaceList& list) {
+  return InterfaceSearch::carrier_of(ip, list);
 }
 
 bool hardware_address(const platform::System& system, const std::string& name, std::string* mac) {

@@ -16,7 +16,7 @@ bool fill_list(const platform::System& system, NetInterfaceList& list);
 
 // The interface that getNetInterfaceFromIPAddress finds, a record of `list`; null when none carries
 // `ip`.
-const NetInterface* carrier_of(const std::string& ip, NetInterfaceList& list);
+const NetInterface* carrier_of(const std::string& ip, const NetInterfaceList& list);
 
 // getMacAddr on `system`.
 bool hardware_address(const platform::System& system, const std::string& name, std::string* mac);

@@ -6,6 +6,10 @@
 
 #include "platform/export.h"
 
+namespace quillon_com::orb::network {
+class InterfaceSearch;
+}
+
 // Selects a field of IPAddress; the values are fixed.
 enum IP_PARAM {
   IP_ADDRESS = 0,      // ipAddress; string form
@@ -41,6 +45,8 @@ class ORB_EXPORT IPAddress {
   void setOption(IP_PARAM param, unsigned int value);
 
  private:
+  friend class quillon_com::orb::network::InterfaceSearch;
+
   std::string ipAddress;   // dotted quad, or eight IPv6 groups without a zone
   std::string subNetMask;  // in the same form
   std::string subNetAddr;  // address AND mask, in the same form

@@ -12,6 +12,7 @@
 #include "platform/export.h"
 
 namespace quillon_com::orb::network {
+class InterfaceSearch;
 class InterfaceWalk;
 }
 
@@ -55,6 +56,8 @@ class ORB_EXPORT NetInterface {
   void setOption(NETINTERFACE_PARAM param, const IPAddress& value);
 
  private:
+  friend class quillon_com::orb::network::InterfaceSearch;
+
   uint32_t index;                      // the system's; 0 when unknown
   std::string macAddress;              // twelve lower-case hexadecimal digits
   std::string indexName;               // "eth0"
@@ -99,6 +102,7 @@ class ORB_EXPORT NetInterfaceList {
   bool getNetInterface(unsigned int index, NetInterface& out) const;
 
  private:
+  friend class quillon_com::orb::network::InterfaceSearch;
   friend class quillon_com::orb::network::InterfaceWalk;
 
   std::map<uint32_t, NetInterface> interfaces;  // by index
