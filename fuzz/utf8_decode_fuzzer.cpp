@@ -6,12 +6,14 @@
 #include <vector>
 
 #include "fileutil/conversions.h"
-#include "fuzz/iconv_oracle.h"
+#include "fuzz/check.h"
+#include "tests/support/iconv_oracle.h"
 
 using orbfuzz::check;
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
-  static orbfuzz::Iconv oracle("UTF-32LE", "UTF-8");
+  static orbtest::Iconv oracle("UTF-32LE", "UTF-8");
+  check(oracle.open());
   const std::string text(reinterpret_cast<const char*>(data), size);
   const size_t length = std::strlen(text.c_str());
 

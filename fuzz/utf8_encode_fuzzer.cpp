@@ -6,7 +6,8 @@
 #include <vector>
 
 #include "fileutil/conversions.h"
-#include "fuzz/iconv_oracle.h"
+#include "fuzz/check.h"
+#include "tests/support/iconv_oracle.h"
 
 using orbfuzz::check;
 
@@ -30,7 +31,8 @@ std::wstring wide_text(const uint8_t* data, size_t size) {
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
-  static orbfuzz::Iconv oracle("UTF-8", "UTF-32LE");
+  static orbtest::Iconv oracle("UTF-8", "UTF-32LE");
+  check(oracle.open());
   const std::wstring text = wide_text(data, size);
   const size_t length = std::wcslen(text.c_str());
 

@@ -14,7 +14,7 @@
 namespace quillon_com::orb::network {
 class InterfaceSearch;
 class InterfaceWalk;
-}
+}  // namespace quillon_com::orb::network
 
 // Selects a field of NetInterface; the values are fixed.
 enum NETINTERFACE_PARAM {

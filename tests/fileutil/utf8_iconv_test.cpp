@@ -1,6 +1,5 @@
 // tests/fileutil/utf8_iconv_test.cpp: the UTF-8 codec beside the system's iconv.
 #include <gtest/gtest.h>
-#include <iconv.h>
 
 #include <cstring>
 #include <random>
@@ -8,31 +7,11 @@
 #include <string_view>
 
 #include "fileutil/utf8.h"
+#include "tests/support/iconv_oracle.h"
 
 namespace {
 
-// The second source: the system's iconv, stopped where it stops.
-class Iconv {
- public:
-  Iconv(const char* to, const char* from) : descriptor_(iconv_open(to, from)) {}
-  ~Iconv() { iconv_close(descriptor_); }
-  Iconv(const Iconv&) = delete;
-  Iconv& operator=(const Iconv&) = delete;
-
-  bool open() const { return descriptor_ != reinterpret_cast<iconv_t>(-1); }
-
-  // The bytes written to `out`.
-  size_t convert(const void* text, size_t bytes, void* out, size_t room) {
-    char* in = const_cast<char*>(static_cast<const char*>(text));
-    char* to = static_cast<char*>(out);
-    iconv(descriptor_, nullptr, nullptr, nullptr, nullptr);
-    iconv(descriptor_, &in, &bytes, &to, &room);
-    return static_cast<size_t>(to - static_cast<char*>(out));
-  }
-
- private:
-  iconv_t descriptor_;
-};
+using orbtest::Iconv;
 
 class BesideIconv : public testing::Test {
  protected:

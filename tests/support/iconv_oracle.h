@@ -1,23 +1,23 @@
-// fuzz/iconv_oracle.h: the system's iconv, stopped where it stops.
+// tests/support/iconv_oracle.h: the system's iconv, a second source that stops where it stops.
 #pragma once
 
 #include <iconv.h>
 
 #include <cstddef>
 
-#include "fuzz/check.h"
-
-namespace orbfuzz {
+namespace orbtest {
 
 // One conversion, opened once and started afresh for each text.
 class Iconv {
  public:
-  Iconv(const char* to, const char* from) : descriptor_(iconv_open(to, from)) {
-    check(descriptor_ != reinterpret_cast<iconv_t>(-1));
-  }
+  Iconv(const char* to, const char* from) : descriptor_(iconv_open(to, from)) {}
   Iconv(const Iconv&) = delete;
   Iconv& operator=(const Iconv&) = delete;
-  ~Iconv() { iconv_close(descriptor_); }
+  ~Iconv() {
+    if (open()) iconv_close(descriptor_);
+  }
+
+  bool open() const { return descriptor_ != reinterpret_cast<iconv_t>(-1); }
 
   // Converts `bytes` bytes into `out`, which has `room`; returns the bytes written.
   size_t convert(const void* text, size_t bytes, void* out, size_t room) {
@@ -32,4 +32,4 @@ class Iconv {
   iconv_t descriptor_;
 };
 
-}  // namespace orbfuzz
+}  // namespace orbtest
