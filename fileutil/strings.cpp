@@ -3,10 +3,6 @@
 #include <charconv>
 #include <climits>
 #include <cstddef>
-#include <cstdlib>
-#include <cstring>
-#include <cwchar>
-#include <memory>
 #include <new>
 #include <string>
 #include <type_traits>
@@ -19,28 +15,6 @@ namespace {
 
 // The converters' rooms are signed 32-bit numbers: n + 1 wide characters, 6 n + 1 bytes.
 constexpr size_t kMostRoom = INT_MAX;
-
-struct Free {
-  void operator()(void* block) const { std::free(block); }
-};
-
-// Room for a conversion's result: on the stack when it is short, else from malloc.
-template <class Char>
-class WorkBuffer {
- public:
-  explicit WorkBuffer(size_t room) {
-    if (room <= kShort) return;
-    heap_.reset(static_cast<Char*>(std::malloc(room * sizeof(Char))));
-    text_ = heap_.get();
-  }
-  Char* get() { return text_; }  // null when there was no memory
-
- private:
-  static constexpr size_t kShort = 8192 / sizeof(Char);
-  Char short_[kShort];
-  std::unique_ptr<Char[], Free> heap_;
-  Char* text_ = short_;
-};
 
 // The string that `make` returns, or an empty one when memory runs out meanwhile.
 template <class Make>
@@ -56,19 +30,17 @@ auto or_empty(Make make) noexcept -> decltype(make()) {
 template <class Char>
 bool is_plain(const std::basic_string<Char>& text) {
   using Bits = std::make_unsigned_t<Char>;
-  constexpr size_t kRun = 128;  // elements between two looks
+  constexpr size_t kRun = 1024;  // elements between two looks
   const Char* at = text.data();
-  const size_t runs = text.size() / kRun * kRun;
-  for (const Char* const end = at + runs; at != end; at += kRun) {
+  for (size_t left = text.size(); left > 0;) {
+    const size_t run = std::min(left, kRun);
     Bits bits = 0;
-    for (size_t i = 0; i < kRun; ++i) bits |= static_cast<Bits>(at[i]);
+    for (size_t i = 0; i < run; ++i) bits |= static_cast<Bits>(at[i]);
     if (bits > 0x7F) return false;
+    at += run;
+    left -= run;
   }
-  // The C library finds a zero faster than a loop that looks for both.
-  if (runs != 0 && std::char_traits<Char>::find(text.data(), runs, Char()) != nullptr) return false;
-  return std::all_of(at, text.data() + text.size(), [](Char element) {
-    return static_cast<Bits>(static_cast<Bits>(element) - 1U) < 0x7F;
-  });
+  return std::char_traits<Char>::find(text.data(), text.size(), Char()) == nullptr;
 }
 
 // A plain text as a string of the other kind: without a work buffer.
@@ -77,22 +49,31 @@ String copied(const Text& text) {
   return or_empty([&] { return String(text.begin(), text.end()); });
 }
 
-// The next two stand apart from the conversion of plain texts, which would pay for their buffers.
-
-[[gnu::noinline]] std::wstring decoded(const char* text) {
-  const size_t bytes = std::strlen(text);
-  WorkBuffer<wchar_t> work(bytes);
-  if (work.get() == nullptr) return {};
-  const size_t length = decode_utf8(text, bytes, work.get());
-  return or_empty([&] { return std::wstring(work.get(), length); });
-}
-
-[[gnu::noinline]] std::string encoded(const wchar_t* text) {
-  const size_t elements = std::wcslen(text);
-  WorkBuffer<char> work(elements * 4);
-  if (work.get() == nullptr) return {};
-  const size_t length = encode_utf8(text, elements, work.get());
-  return or_empty([&] { return std::string(work.get(), length); });
+// What `convert` makes of `text` up to the first zero or what it does not take, piece by piece: a
+// character across the end of a piece is left to the next. It makes at most `widest` elements of
+// one. Stands apart from the conversion of plain texts, which would pay for the room of a piece.
+template <class String, size_t widest, class Char, class Convert>
+[[gnu::noinline]] String converted(const std::basic_string<Char>& text, Convert convert) {
+  return or_empty([&] {
+    constexpr size_t kMost = 2048;  // elements of the text in a piece
+    typename String::value_type piece[kMost * widest];
+    String result;
+    size_t done = 0;
+    while (done < text.size()) {
+      const Char* const at = text.data() + done;
+      const size_t most = std::min(text.size() - done, kMost);
+      const Char* const zero = std::char_traits<Char>::find(at, most, Char());
+      const size_t length = zero == nullptr ? most : static_cast<size_t>(zero - at);
+      size_t taken = 0;
+      const size_t written = convert(at, length, piece, &taken);
+      if (taken == 0) break;
+      done += taken;
+      // As if the rest were like this piece.
+      if (result.empty()) result.reserve(written + (text.size() - done) * written / taken);
+      result.append(piece, written);
+    }
+    return result;
+  });
 }
 
 template <class String, class Number>
@@ -117,14 +98,15 @@ bool is_space(char byte) { return isspace(static_cast<unsigned char>(byte)) != 0
 
 std::wstring voxcomn_ansi_to_wide(const std::string& text) {
   if (text.size() > kMostRoom - 1) return {};
-  return is_plain(text) ? copied<std::wstring>(text) : decoded(text.c_str());
+  return is_plain(text) ? copied<std::wstring>(text)
+                        : converted<std::wstring, 1>(text, decode_utf8);
 }
 
 std::string voxcomn_wide_to_ansi(const std::wstring& text) {
-  constexpr size_t kShort = 64;  // elements; the buffer of a longer one costs less than its check
+  constexpr size_t kShort = 64;  // elements; encoding a longer one costs less than its check
   if (text.size() > (kMostRoom - 1) / 6) return {};
   return text.size() <= kShort && is_plain(text) ? copied<std::string>(text)
-                                                 : encoded(text.c_str());
+                                                 : converted<std::string, 4>(text, encode_utf8);
 }
 
 std::wstring voxcomn_long_to_wide_string(const long& value) { return decimal<std::wstring>(value); }

@@ -118,27 +118,29 @@ constexpr unsigned kStatusFailed = 0x80000008U;
 
 }  // namespace
 
-size_t decode_utf8(const char* text, size_t length, wchar_t* out) {
-  const auto* bytes = reinterpret_cast<const unsigned char*>(text);
+size_t decode_utf8(const char* text, size_t length, wchar_t* out, size_t* taken) {
+  const auto* const bytes = reinterpret_cast<const unsigned char*>(text);
+  const auto* const end = bytes + length;
+  const auto* at = bytes;
   wchar_t* const start = out;
-  size_t at = 0;
-  while (at < length) {
-    if (bytes[at] < 0x80) {
-      const size_t run = widen_ascii(bytes + at, length - at, out);
+  while (at != end) {
+    if (*at < 0x80) {
+      const size_t run = widen_ascii(at, static_cast<size_t>(end - at), out);
       at += run;
       out += run;
-      for (; at < length && bytes[at] < 0x80; ++at) *out++ = bytes[at];
+      for (; at != end && *at < 0x80; ++at) *out++ = *at;
       continue;
     }
-    const size_t used = decode_multibyte(bytes + at, length - at, out);
+    const size_t used = decode_multibyte(at, static_cast<size_t>(end - at), out);
     if (used == 0) break;
     at += used;
     ++out;
   }
+  if (taken != nullptr) *taken = static_cast<size_t>(at - bytes);
   return static_cast<size_t>(out - start);
 }
 
-size_t encode_utf8(const wchar_t* text, size_t length, char* out) {
+size_t encode_utf8(const wchar_t* text, size_t length, char* out, size_t* taken) {
   const auto value_at = [text](size_t i) { return static_cast<uint32_t>(text[i]); };
   char* const start = out;
   size_t at = 0;
@@ -155,6 +157,7 @@ size_t encode_utf8(const wchar_t* text, size_t length, char* out) {
     ++at;
     out += written;
   }
+  if (taken != nullptr) *taken = at;
   return static_cast<size_t>(out - start);
 }
 

@@ -101,6 +101,54 @@ TEST(WideToAnsi, OneOddElementAnywhere) {
   }
 }
 
+// Long texts, converted in pieces of 2048 elements: what stands across the end of a piece, with a
+// character in front of it that makes the text no plain one.
+struct CrossingRow {
+  const char* name;
+  std::string narrow;  // at the end of the piece
+  std::wstring wide;   // what comes of it and of the "b" behind it
+};
+
+const CrossingRow kCrossings[] = {
+    {"two bytes", "\xC3\xA9", L"\xE9\x62"},
+    {"three bytes", "\xE2\x82\xAC", L"\x20AC\x62"},
+    {"four bytes", "\xF0\x9F\x98\x80", L"\x1F600\x62"},
+    {"a row of four bytes", "\xF0\x9F\x98\x80\xF0\x9F\x98\x80", L"\x1F600\x1F600\x62"},
+    {"no end", "\xF0\x9F\x98", L""},
+    {"no start", "\x98", L""},
+    {"zero", std::string(1, '\0'), L""},
+    {"zero behind a character", std::string("\xC3\xA9\0", 3), L"\xE9"},
+};
+
+TEST(AnsiToWide, NothingIsLostBetweenPieces) {
+  for (const CrossingRow& row : kCrossings) {
+    for (size_t end : {2048U, 4096U, 6144U}) {
+      for (size_t before = end - 8; before <= end + 2; ++before) {
+        const std::string text = "\xC3\xA9" + std::string(before - 2, 'a') + row.narrow + "b";
+        const std::wstring expected = L"\xE9" + std::wstring(before - 2, L'a') + row.wide;
+        ASSERT_EQ(expected, voxcomn_ansi_to_wide(text)) << row.name << " at " << before;
+      }
+    }
+  }
+}
+
+TEST(WideToAnsi, NothingIsLostBetweenPieces) {
+  for (const CrossingRow& row : kCrossings) {
+    if (row.wide.empty()) continue;
+    for (size_t end : {2048U, 4096U, 6144U}) {
+      for (size_t before = end - 3; before <= end + 1; ++before) {
+        const std::wstring head(before, L'a');
+        const std::string expected = std::string(before, 'a') + row.narrow.c_str();
+        const std::wstring characters = row.wide.substr(0, row.wide.find(L'b'));
+        ASSERT_EQ(expected + "b", voxcomn_wide_to_ansi(head + characters + L"b"))
+            << row.name << " at " << before;
+        ASSERT_EQ(expected, voxcomn_wide_to_ansi(head + characters + wchar_t(0xDFFF) + L"b"));
+        ASSERT_EQ(expected, voxcomn_wide_to_ansi(head + characters + L'\0' + L"b"));
+      }
+    }
+  }
+}
+
 TEST(NumbersToStrings, WriteDecimals) {
   EXPECT_EQ(L"0", voxcomn_long_to_wide_string(0));
   EXPECT_EQ(L"-1", voxcomn_long_to_wide_string(-1));
@@ -190,11 +238,13 @@ size_t empty_whenever_memory_fails(Call call) {
 TEST(OutOfMemory, EveryStringIsEmpty) {
   const std::string narrow(10000, 'a');
   const std::wstring wide(10000, L'a');
-  // ASCII goes into the result at once, other long texts by way of a work buffer.
+  // A text like its first piece takes memory once, one that becomes longer takes more on the way.
   const std::string mixed = narrow + "\xC3\xA9";
+  const std::wstring longer = wide + std::wstring(2048, L'\x20AC');
   EXPECT_EQ(1U, empty_whenever_memory_fails([&] { return voxcomn_ansi_to_wide(narrow); }));
-  EXPECT_EQ(2U, empty_whenever_memory_fails([&] { return voxcomn_ansi_to_wide(mixed); }));
-  EXPECT_EQ(2U, empty_whenever_memory_fails([&] { return voxcomn_wide_to_ansi(wide); }));
+  EXPECT_EQ(1U, empty_whenever_memory_fails([&] { return voxcomn_ansi_to_wide(mixed); }));
+  EXPECT_EQ(1U, empty_whenever_memory_fails([&] { return voxcomn_wide_to_ansi(wide); }));
+  EXPECT_EQ(2U, empty_whenever_memory_fails([&] { return voxcomn_wide_to_ansi(longer); }));
   EXPECT_EQ(1U, empty_whenever_memory_fails([&] { return voxcomn_convert_to_upper(narrow); }));
   EXPECT_EQ(1U, empty_whenever_memory_fails([&] { return voxcomn_convert_to_lower(narrow); }));
   EXPECT_EQ(1U,
