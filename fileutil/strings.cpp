@@ -29,18 +29,19 @@ auto or_empty(Make make) noexcept -> decltype(make()) {
 // Whether every element is ASCII and none is zero: such a text converts element by element.
 template <class Char>
 bool is_plain(const std::basic_string<Char>& text) {
-  using Bits = std::make_unsigned_t<Char>;
-  constexpr size_t kRun = 1024;  // elements between two looks
+  using Number = std::make_unsigned_t<Char>;
+  constexpr size_t kRun = 256;  // elements between two looks
+  // One less than the largest element is; a zero is larger than all.
+  const auto most = [](const Char* at, size_t length) {
+    Number found = 0;
+    for (size_t i = 0; i < length; ++i) found = std::max(found, static_cast<Number>(at[i] - 1));
+    return found;
+  };
   const Char* at = text.data();
-  for (size_t left = text.size(); left > 0;) {
-    const size_t run = std::min(left, kRun);
-    Bits bits = 0;
-    for (size_t i = 0; i < run; ++i) bits |= static_cast<Bits>(at[i]);
-    if (bits > 0x7F) return false;
-    at += run;
-    left -= run;
-  }
-  return std::char_traits<Char>::find(text.data(), text.size(), Char()) == nullptr;
+  size_t left = text.size();
+  for (; left >= kRun; left -= kRun, at += kRun)
+    if (most(at, kRun) >= 0x7F) return false;
+  return most(at, left) < 0x7F;
 }
 
 // A plain text as a string of the other kind: without a work buffer.

@@ -14,7 +14,7 @@ import matplotlib
 matplotlib.use("svg")
 import matplotlib.pyplot as plot  # noqa: E402: after the choice of the backend
 
-from bench_results import Family, OURS  # noqa: E402
+from bench_results import families, OURS  # noqa: E402
 
 STYLE = {
     "svg.hashsalt": "orbcommon",  # the same names in every run
@@ -34,7 +34,7 @@ def ratios(family):
         for _, value, limit in operation.ours.limits():
             yield f"{operation.name} : its limit", value / limit, 1
         for peer in operation.peers:
-            yield (f"{operation.name} : {peer.who}", operation.ours.time / peer.time,
+            yield (f"{operation.name} : {peer.who}", operation.ours.ratio(peer),
                    operation.ours.goal_ratio(peer.who))
 
 
@@ -82,8 +82,8 @@ def draw(family, folder):
 def main():
     plot.rcParams.update(STYLE)
     os.makedirs(sys.argv[1], exist_ok=True)
-    for path in sys.argv[2:]:
-        draw(Family(path), sys.argv[1])
+    for family in families(sys.argv[2:]):
+        draw(family, sys.argv[1])
 
 
 main()

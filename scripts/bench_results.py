@@ -1,5 +1,9 @@
 # scripts/bench_results.py: Google Benchmark's JSON files as operations with their peers and goals.
-"""A row named OPERATION/ours stands beside the rows OPERATION/PEER of the same file. These counters
+"""A program is run several times over; FAMILY.PASS.json is what one pass measured. Ratios and orders
+are taken within each pass, whose runs see the machine in one mood, and their median over the passes
+counts, as it does for times.
+
+A row named OPERATION/ours stands beside the rows OPERATION/PEER of the same file. These counters
 of our row are goals:
 
   goal_ratio, goal_ratio_PEER   largest ratio of our time to the peer's; the plain one holds for
@@ -19,6 +23,7 @@ import json
 import math
 import os
 import re
+import statistics
 
 OURS = "ours"
 PLAIN = "plain"  # the walk over the same memory or entries, without the library
@@ -31,10 +36,11 @@ THREADS = re.compile(r"/threads:(\d+)$")
 
 
 class Run:
-    """One benchmark's median: its operation, who ran it, its time and its counters."""
+    """One benchmark: its operation, who ran it, its times by pass and its counters."""
 
-    def __init__(self, result):
-        name, suffix = result["run_name"], ""
+    def __init__(self, run_name, results):
+        """`results` are the medians of the passes."""
+        name, suffix = run_name, ""
         threads = THREADS.search(name)
         if threads:
             name = name[:threads.start()]
@@ -44,8 +50,14 @@ class Run:
         self.name = name + suffix
         operation, _, self.who = name.rpartition("/")
         self.operation = operation + suffix
-        self.time = result["real_time"] * UNITS[result["time_unit"]]
-        self.counters = result
+        self.times = [result["real_time"] * UNITS[result["time_unit"]] for result in results]
+        self.time = statistics.median(self.times)
+        self.counters = {key: statistics.median(result[key] for result in results)
+                         for key, value in results[0].items() if isinstance(value, (int, float))}
+
+    def ratio(self, peer):
+        """Our time to that of `peer`, a run."""
+        return statistics.median(ours / theirs for ours, theirs in zip(self.times, peer.times))
 
     def goal_ratio(self, peer, kind="goal"):
         """The largest ratio to `peer` that is asked for, None without one."""
@@ -93,7 +105,11 @@ class Series:
 
     def order(self, who):
         """The exponent of the power of the size that fits the upper half of the sizes best."""
-        points = [(math.log(run.counters["size"]), math.log(run.time))
+        passes = len(self.runs[who][0].times)
+        return statistics.median(self.order_of_pass(who, number) for number in range(passes))
+
+    def order_of_pass(self, who, number):
+        points = [(math.log(run.counters["size"]), math.log(run.times[number]))
                   for run in self.runs[who]]
         middle = (points[0][0] + points[-1][0]) / 2
         upper = [point for point in points if point[0] >= middle - 1e-9]
@@ -115,17 +131,26 @@ class Series:
 
 
 class Family:
-    """What one program measured."""
+    """What one program measured; what failed in one of its passes is not measured."""
 
-    def __init__(self, path):
-        with open(path, encoding="utf-8") as file:
-            result = json.load(file)
-        self.name = os.path.basename(path).removesuffix(".json")
-        self.context = result["context"]
-        self.runs = [Run(run) for run in result["benchmarks"]
-                     if run.get("aggregate_name") == "median" and not run.get("error_occurred")]
-        self.failed = sorted({run["run_name"] for run in result["benchmarks"]
-                              if run.get("error_occurred")})
+    def __init__(self, name, paths):
+        self.name = name
+        self.passes = len(paths)
+        self.loads = []
+        self.failed = set()
+        medians = {}
+        for path in paths:
+            with open(path, encoding="utf-8") as file:
+                result = json.load(file)
+            self.context = result["context"]
+            self.loads += self.context["load_avg"][:1]
+            for run in result["benchmarks"]:
+                if run.get("error_occurred"):
+                    self.failed.add(run["run_name"])
+                elif run.get("aggregate_name") == "median":
+                    medians.setdefault(run["run_name"], []).append(run)
+        self.runs = [Run(name, results) for name, results in medians.items()
+                     if name not in self.failed]
 
     def operations(self):
         """By name. A run that is only there for its series is left out."""
@@ -146,3 +171,11 @@ class Family:
                 by_name.setdefault(run.series(), []).append(run)
         made = [Series(name, runs) for name, runs in sorted(by_name.items())]
         return [each for each in made if len(each.runs.get(OURS, [])) > 1]
+
+
+def families(paths):
+    """The families of FAMILY.PASS.json files, in their order; those that measured nothing left out."""
+    passes = {}
+    for path in paths:
+        passes.setdefault(os.path.basename(path).split(".")[0], []).append(path)
+    return [each for each in (Family(*item) for item in passes.items()) if each.runs]

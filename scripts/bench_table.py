@@ -7,7 +7,7 @@ their goals are named stands in bench_results.py.
 """
 import argparse
 
-from bench_results import Family, ORDER_TOLERANCE, OURS, PLAIN, PLAIN_TOLERANCE, UNITS
+from bench_results import families, ORDER_TOLERANCE, OURS, PLAIN, PLAIN_TOLERANCE, UNITS
 
 
 def duration(nanoseconds):
@@ -36,7 +36,7 @@ def absolute_goals(run):
 
 
 def ratio_row(ours, peer):
-    ratio = ours.time / peer.time
+    ratio = ours.ratio(peer)
     goal = ours.goal_ratio(peer.who)
     stretch = ours.goal_ratio(peer.who, "stretch")
     words, result = [], []
@@ -107,24 +107,26 @@ def main():
     parser.add_argument("--plots")
     parser.add_argument("results", nargs="+")
     arguments = parser.parse_args()
-    families = [family for family in map(Family, arguments.results) if family.runs]
-    count = "-".join(str(each) for each in sorted(
-        {run.counters["repetitions"] for family in families for run in family.runs}))
-    context = families[0].context
+    measured = families(arguments.results)
+    count = " or ".join(str(each) for each in sorted(
+        {round(family.passes * run.counters["repetitions"]) for family in measured
+         for run in family.runs}))
+    context = measured[0].context
     print("# Benchmarks\n")
     print(f"Medians of {count} interleaved repetitions, wall clock, on {context['num_cpus']} "
           f"processors of {context['mhz_per_cpu'] / 1000:.1f} GHz, a second thread parked beside "
-          "each measurement; `./dev bench` measures anew and writes this page. A ratio is our time "
-          "to the peer's.")
+          "each measurement; `./dev bench` measures anew and writes this page. Repetitions come in "
+          "passes over a whole family; a ratio is our time to the peer's in one pass, the median of "
+          "all passes.")
     tables = [(family.name, [row for each in family.operations() for row in operation_rows(each)])
-              for family in families]
-    growth = [(family.name, list(growth_rows(family))) for family in families]
-    loads = [family.context["load_avg"][0] for family in families if family.context["load_avg"]]
+              for family in measured]
+    growth = [(family.name, list(growth_rows(family))) for family in measured]
+    loads = [load for family in measured for load in family.loads]
     if loads and max(loads) > context["num_cpus"] + 1:
         print(f"\nThe machine was busy with other work (load average up to {max(loads):.1f}): small "
               "differences mean nothing here.")
     print_summary(tables + growth)
-    for family, (name, rows), (_, grown) in zip(families, tables, growth):
+    for family, (name, rows), (_, grown) in zip(measured, tables, growth):
         print(f"\n## {name}\n")
         if arguments.plots:
             print(f"![{name}: ratios to the peers, and growth]({arguments.plots}/{name}.svg)\n")
@@ -137,7 +139,7 @@ def main():
                   "library and shows what caches do.\n")
             print_rows(("operation", "ours by size", "order", "peers' orders", "goal",
                         "met or missed"), grown)
-        for failed in family.failed:
+        for failed in sorted(family.failed):
             print(f"\nNot measured: {failed}")
     if arguments.notes:
         with open(arguments.notes, encoding="utf-8") as file:
