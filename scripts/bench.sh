@@ -30,7 +30,7 @@ for program in $programs; do
   echo "== $name" >&2
   # Each repetition of a removal makes its tree anew.
   count=$passes
-  [ "$name" != files ] || [ -n "$quick" ] || count=3
+  [ "$name" != files ] || [ -n "$quick" ] || count=5
   for ((pass = 1; pass <= count; ++pass)); do
     page=$name.$pass.json
     # What a family writes to the disk it is run on stays out of the sources.
