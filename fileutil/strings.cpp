@@ -34,7 +34,8 @@ bool is_plain(const std::basic_string<Char>& text) {
   // One less than the largest element is; a zero is larger than all.
   const auto most = [](const Char* at, size_t length) {
     Number found = 0;
-    for (size_t i = 0; i < length; ++i) found = std::max(found, static_cast<Number>(at[i] - 1));
+    for (size_t i = 0; i < length; ++i)
+      found = std::max(found, static_cast<Number>(static_cast<Number>(at[i]) - 1U));
     return found;
   };
   const Char* at = text.data();

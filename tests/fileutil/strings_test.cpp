@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include <climits>
+#include <cwchar>
 #include <string>
 
 #include "fileutil/conversions.h"
@@ -93,6 +94,7 @@ TEST(WideToAnsi, OneOddElementAnywhere) {
       ASSERT_EQ(before, voxcomn_wide_to_ansi(with<std::wstring>(length, at, L'\0'))) << length;
       ASSERT_EQ(before, voxcomn_wide_to_ansi(with<std::wstring>(length, at, 0xD800))) << length;
       ASSERT_EQ(before, voxcomn_wide_to_ansi(with<std::wstring>(length, at, -1))) << length;
+      ASSERT_EQ(before, voxcomn_wide_to_ansi(with<std::wstring>(length, at, WCHAR_MIN))) << length;
       ASSERT_EQ(before + "\xC2\x80" + std::string(length - at - 1, 'a'),
                 voxcomn_wide_to_ansi(with<std::wstring>(length, at, 0x80)));
       ASSERT_EQ(with<std::string>(length, at, '\x7F'),
