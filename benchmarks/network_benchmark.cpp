@@ -107,7 +107,7 @@ constexpr int kMany = 500;  // beside one list of the system, this many have a g
 
 void add_rows(const Network& network) {
   const int interfaces = network.interfaces();
-  const std::string size = "/" + std::to_string(network.interfaces()) + "_interfaces/";
+  const std::string size = "/" + std::to_string(interfaces) + "_interfaces/";
   add("snapshot" + size + "ours", network, [=](benchmark::State& state) {
     snapshot_ours(state);
     if (interfaces == kMany) orbbench::goal(state, "goal_ratio_plain", 2);

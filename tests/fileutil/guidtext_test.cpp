@@ -2,6 +2,8 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cstdint>
+#include <cstdio>
 #include <cstring>
 #include <string>
 
@@ -30,6 +32,37 @@ TEST(GuidText, EveryDigitIsLowerCase) {
   char text[37];
   voxUuidToStringA(&guid, text);
   EXPECT_STREQ("ccddeeff-aabb-8899-7766-554433221100", text);
+}
+
+// What snprintf makes of a number and two short ones in the machine's order, and of eight bytes.
+std::string printed(const voxGuid& guid) {
+  uint32_t first = 0;
+  uint16_t second = 0;
+  uint16_t third = 0;
+  const uint8_t* const byte = guid.bytes;
+  memcpy(&first, byte, sizeof first);
+  memcpy(&second, byte + 4, sizeof second);
+  memcpy(&third, byte + 6, sizeof third);
+  char text[37];
+  snprintf(text, sizeof text, "%08x-%04x-%04x-%02x%02x-%02x%02x%02x%02x%02x%02x", first, second,
+           third, byte[8], byte[9], byte[10], byte[11], byte[12], byte[13], byte[14], byte[15]);
+  return text;
+}
+
+// Among bytes of the smallest and of the largest digits: no digit changes its neighbours.
+TEST(GuidText, EveryByteInEveryPlaceIsAsPrinted) {
+  for (const int around : {0x00, 0xFF, 0x9A}) {
+    for (size_t place = 0; place < 16; ++place) {
+      for (int value = 0; value < 256; ++value) {
+        voxGuid guid;
+        memset(&guid, around, sizeof guid);
+        guid.bytes[place] = static_cast<uint8_t>(value);
+        char text[37];
+        voxUuidToStringA(&guid, text);
+        ASSERT_EQ(printed(guid), text) << place << ": " << value;
+      }
+    }
+  }
 }
 
 TEST(GuidText, OfTheGeneratorsBytes) {
